@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/benchDataAccess.h"
+
+#include "data/benchXml.h"
+#include "engine/machineProbe.h"
+#include "engine/testBase.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSaveFile>
+#include <QSet>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace
+{
+
+/// The version of the list inside the program; only a higher one is worth a download.
+constexpr quint32 builtInVersion = 1010;
+
+bool writeFile(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Text)
+           && file.write(content) == content.size() && file.commit();
+}
+
+} // namespace
+
+benchDataAccess::benchDataAccess(printHook *target, QVector<testBase *> tests,
+                                 std::unique_ptr<onlineDatabase> database)
+    : printTarget(target)
+    , suiteTests(std::move(tests))
+    , online(database ? std::move(database) : std::make_unique<noOnlineDatabase>())
+{
+}
+
+void benchDataAccess::print(const QString &text)
+{
+    if (printTarget) {
+        printTarget->print(text);
+        return;
+    }
+    const QByteArray bytes = text.toLocal8Bit();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
+void benchDataAccess::loadReferenceData(int source)
+{
+    results.clear();
+    // A failed download leads to the built-in list even where an older download exists.
+    const bool isUpToDate = source != builtInReference && updateReference(source);
+    if (!isUpToDate || !parseDownloadedReference())
+        parseBuiltInReference();
+    printDeviceCount();
+}
+
+bool benchDataAccess::updateReference(int source)
+{
+    if (source == betaReference) {
+        if (!downloadReference(false, 0))
+            return false;
+        print(QStringLiteral("Update DB successfully (BETA)\n"));
+        return true;
+    }
+    quint32 version = 0;
+    if (!isNewerOnline(version))
+        return true;
+    if (!downloadReference(true, version))
+        return false;
+    print(QStringLiteral("Update DB successfully\n"));
+    return true;
+}
+
+bool benchDataAccess::isNewerOnline(quint32 &highestVersion)
+{
+    QByteArray reply;
+    if (!online->request(onlineDatabase::referenceVersion, reply)) {
+        print(QStringLiteral("No online database found\n"));
+        return false;
+    }
+    const quint32 onlineVersion = QString::fromUtf8(reply).toUInt();
+    const quint32 ownVersion = localVersion();
+    const QString ownText =
+        ownVersion == 0 ? QStringLiteral("BETA") : QString::number(ownVersion);
+    print(QStringLiteral("Online database has version %1 (local %2)\n")
+              .arg(QString::number(onlineVersion), ownText));
+    highestVersion = std::max(onlineVersion, ownVersion);
+    return onlineVersion > ownVersion;
+}
+
+bool benchDataAccess::downloadReference(bool normal, quint32 version)
+{
+    QByteArray xml;
+    if (!online->request(normal ? onlineDatabase::reference : onlineDatabase::betaReference, xml))
+        return false;
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    return ok && writeFile(directory + QStringLiteral("db.xml"), xml)
+           && writeFile(directory + QStringLiteral("db_version"),
+                        QByteArray::number(normal ? version : 0));
+}
+
+bool benchDataAccess::parseDownloadedReference()
+{
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    if (!ok)
+        return false;
+    QFile file(directory + QStringLiteral("db.xml"));
+    if (!file.exists())
+        return false;
+    print(QStringLiteral("Use local benchmark DB\n"));
+    parseXml(file);
+    return true;
+}
+
+void benchDataAccess::parseBuiltInReference()
+{
+    print(QStringLiteral("Use internal benchmark DB\n"));
+    QFile file(QStringLiteral(":/data/benches.xml"));
+    parseXml(file);
+}
+
+void benchDataAccess::parseXml(QIODevice &device)
+{
+    if (!device.open(QIODevice::ReadOnly | QIODevice::Text))
+        return;
+    readMachines(device, results);
+    device.close();
+}
+
+void benchDataAccess::printDeviceCount()
+{
+    QSet<QString> names;
+    for (const benchResults &machine : qAsConst(results))
+        names.insert(machine.getName().toLower());
+    print(QStringLiteral("Found %1 devices (%2 unique)\n")
+              .arg(QString::number(results.size()), QString::number(names.size())));
+}
+
+quint32 benchDataAccess::localVersion()
+{
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    QFile file(directory + QStringLiteral("db_version"));
+    if (!ok || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return builtInVersion;
+    constexpr qint64 longestNumber = 64;
+    return QString::fromUtf8(file.read(longestNumber)).trimmed().toUInt();
+}
+
+QString benchDataAccess::userDataDirectory(bool &ok)
+{
+    const QString location = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    ok = !location.isEmpty() && QDir().mkpath(location);
+    if (!ok)
+        print(QStringLiteral("cant create userdata directory '%1'\n").arg(location));
+    return location + QLatin1Char('/');
+}
+
+void benchDataAccess::loadUserData()
+{
+    print(QStringLiteral("Found no local user benchmark data\n"));
+    benchResults machine(machineProbe::instance());
+    for (const testBase *test : qAsConst(suiteTests))
+        machine.setTest(test->getName(), benchResults::test());
+    results.append(machine);
+}
+
+// Until results are kept and exchanged, a run says so where it would be looked for.
+
+void benchDataAccess::storeUserData()
+{
+    print(QStringLiteral("This version does not store results yet\n"));
+}
+
+void benchDataAccess::removeUserData()
+{
+    print(QStringLiteral("This version does not store results yet\n"));
+}
+
+void benchDataAccess::uploadResults()
+{
+    print(QStringLiteral("This version does not upload results yet\n"));
+}

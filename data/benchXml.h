@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/benchResults.h"
+
+#include <QVector>
+
+class QIODevice;
+
+/// At most this many bytes of one file are read. A list of all known machines takes a hundredth of
+/// it; the limit bounds the memory that a damaged or hostile file can ask for.
+constexpr qint64 maximumXmlSize = 16 * 1024 * 1024;
+
+/// Appends the machines of an XML result list to @p machines.
+///
+/// The format is a root element of any name with one element per machine,
+/// <bench machineName os cpu clock threadCount>, clock in Hz, and in it one empty element
+/// <test name result> per result. Missing attributes read as empty or 0; other elements, and a test
+/// before the first machine, are ignored. @p device must be open for reading. Reading stops at the
+/// first fault; what came before it is kept.
+void readMachines(QIODevice &device, QVector<benchResults> &machines);

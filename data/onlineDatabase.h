@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+
+/// The way to the online result database. Each request is answered before it returns.
+class onlineDatabase
+{
+public:
+    enum action {
+        referenceVersion = 0, ///< out: the version of the online list as decimal text
+        reference = 1,        ///< out: the list as XML
+        betaReference = 2,    ///< out: the BETA list as XML
+        storeResults = 3      ///< in: this machine's results as XML
+    };
+
+    /// False if the database did not answer, or not in a way that makes sense; @p data is then
+    /// of no use.
+    virtual bool request(int action, QByteArray &data) = 0;
+    virtual ~onlineDatabase() = default;
+};
+
+/// Stands for a database that never answers.
+class noOnlineDatabase : public onlineDatabase
+{
+public:
+    bool request(int, QByteArray &) override { return false; }
+};

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/benchDataAccess.h"
+#include "tests/suite.h"
+
+#include <QSize>
+#include <QStringList>
+
+class benchAndMeasure;
+
+/// The runner: owns the suite, drives it, and records its results into this machine's record.
+class benchBase : public benchDataAccess
+{
+public:
+    /// The time in milliseconds that each test of a full run is given.
+    static constexpr int standardTestTime = 8000;
+
+    /// The hooks are not owned and may be null. Prints what is known of the machine. Runs the
+    /// benchmark's own suite.
+    benchBase(printHook *target, ::stopHook *stop, ::updateHook *update);
+    /// The same with other tests, and with another way to the online database.
+    benchBase(printHook *target, ::stopHook *stop, ::updateHook *update, suite ownTests,
+              std::unique_ptr<onlineDatabase> database = nullptr);
+    ~benchBase() override;
+
+    void setTestTime(int ms) { testTime = ms; }
+    float getTestTimeSeconds() const { return static_cast<float>(testTime) * 0.001F; }
+    QStringList getTestNames() const;
+    /// The virtual resolutions as "widthxheight", the standard resolution first.
+    QStringList getResolutionNames() const;
+    QString getTitle() const;
+
+    /// Runs all tests but the single-only ones at the standard resolution. True if the user stopped
+    /// the run.
+    bool runBenchmark();
+    /// Runs one test. An unknown resolution means the standard one. False, with no further effect,
+    /// if no test has this name.
+    bool runSingleTest(const QString &testName, const QString &resolutionName);
+    /// Sets up, times and releases one test, and prints and records its result. Only results at the
+    /// standard resolution are recorded. False if the test could not be set up.
+    bool runTest(testBase *test, const QSize &resolution, bool isSingle);
+
+private:
+    void printMachine();
+    void timeTest(testBase *test, benchAndMeasure &measurement);
+    bool isStopRequested();
+    void record(const testBase *test, float average);
+
+    ::stopHook *stopHook;
+    ::updateHook *updateHook;
+    int testTime = standardTestTime;
+    /// The first one is the standard resolution. Its width is 3820, not 3840, on purpose: stored
+    /// results refer to it.
+    QVector<QSize> resolutions = {{3820, 2160}, {1920, 1080}, {1600, 900}, {1280, 960},
+                                  {800, 600},   {640, 480},   {320, 240}};
+    suite tests;
+};

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/mainwindow.h"
+
+#include <QApplication>
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("fennick"));
+    QApplication::setApplicationVersion(QStringLiteral(FENNICK_VERSION));
+    MainWindow window;
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/mainwindow.h"
+
+#include "engine/benchBase.h"
+#include "ui/displayWidget.h"
+#include "ui_mainwindow.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+#include <QTextCursor>
+
+#include <algorithm>
+
+MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests)
+    : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
+{
+    ui->setupUi(this);
+    ui->calcComboBox->setMinimumHeight(0);
+    ui->resolutionComboBox->setMinimumHeight(0);
+    runner = std::make_unique<benchBase>(this, this, this, tests(this));
+    setWindowTitle(runner->getTitle());
+    fillChoosers();
+    addDisplay();
+    connectControls();
+    ui->checkBoxClocks->setEnabled(false);
+    loadStandardReferenceData();
+    ui->pushButtonStop->hide();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::fillChoosers()
+{
+    ui->resolutionComboBox->addItems(runner->getResolutionNames());
+    ui->calcComboBox->addItems(runner->getTestNames());
+}
+
+void MainWindow::addDisplay()
+{
+    display = new displayWidget(this);
+    // The window's own font has one point; without a font of its own the display would inherit it.
+    display->setFont(QFont(QApplication::font().family(), 11));
+    display->setMinimumSize(10, 10);
+    display->hide();
+    ui->gridLayout->addWidget(display, 0, 0);
+}
+
+void MainWindow::connectControls()
+{
+    const auto onClick = [this](QPushButton *button, void (MainWindow::*slot)()) {
+        connect(button, &QPushButton::clicked, this, slot);
+    };
+    onClick(ui->benchButton, &MainWindow::benchStart);
+    onClick(ui->singleTestButton, &MainWindow::benchSingleStart);
+    onClick(ui->pushButtonAbout, &MainWindow::about);
+    onClick(ui->compareButton, &MainWindow::compareResults);
+    onClick(ui->pushButtonResultsAsText, &MainWindow::showResults);
+    onClick(ui->pushButtonLoadStandardReference, &MainWindow::loadStandardReferenceData);
+    onClick(ui->pushButtonLoadBetaReference, &MainWindow::loadBetaReferenceData);
+    onClick(ui->pushButtonDeleteUserData, &MainWindow::deleteUserData);
+    onClick(ui->pushButtonExit, &MainWindow::doClose);
+    onClick(ui->pushButtonStop, &MainWindow::singleTestStop);
+}
+
+void MainWindow::print(const QString &text)
+{
+    ui->debugBox->moveCursor(QTextCursor::End);
+    ui->debugBox->insertPlainText(text);
+}
+
+void MainWindow::updateStart(testBase *test)
+{
+    display->setTest(test);
+}
+
+void MainWindow::updateProgress(testBase *, int elapsedMs)
+{
+    display->setFrameTime(elapsedMs);
+    update();
+    QCoreApplication::processEvents();
+}
+
+void MainWindow::updateEnd(testBase *)
+{
+    if (display)
+        display->setTestIndex(display->testIndex() + 1);
+}
+
+bool MainWindow::isStopRequested()
+{
+    return stopFlag;
+}
+
+void MainWindow::benchStart()
+{
+    const QVector<testBase *> tests = runner->getTests();
+    const auto count = static_cast<int>(std::count_if(
+        tests.begin(), tests.end(), [](const testBase *test) { return !test->isSingleOnly(); }));
+    runner->setTestTime(benchBase::standardTestTime);
+    const float seconds = runner->getTestTimeSeconds() * static_cast<float>(count);
+    if (!isConfirmed(tr("The benchmark will takes ~%1 seconds, are you ready?")
+                         .arg(static_cast<double>(seconds))))
+        return;
+
+    prepareDisplay(true, count);
+    runState.runStateChanged(true);
+    showFrames();
+    const bool isStopped = runner->runBenchmark();
+    if (!isStopped) {
+        runner->storeUserData();
+        if (!ui->checkBoxDisableResultUpload->isChecked())
+            runner->uploadResults();
+    }
+    showControls();
+    runState.runStateChanged(false);
+    ui->compareButton->click();
+}
+
+void MainWindow::benchSingleStart()
+{
+    showFrames();
+    const QString testName = ui->calcComboBox->currentText();
+    const QString resolutionName = ui->resolutionComboBox->currentText();
+    prepareDisplay(false, 0);
+    runner->setTestTime(chosenTestTime());
+    const bool isRepeated = ui->comboBoxAutoRepeat->currentText() == QLatin1String("on");
+    stopFlag = false;
+    ui->pushButtonStop->show();
+    do {
+        runner->runSingleTest(testName, resolutionName);
+    } while (isRepeated && !isStopRequested());
+    ui->pushButtonStop->hide();
+    stopFlag = false;
+    runner->setTestTime(benchBase::standardTestTime);
+    showControls();
+}
+
+int MainWindow::chosenTestTime() const
+{
+    const int seconds = ui->comboBoxSingleTestTime->currentText().toInt();
+    return static_cast<int>(static_cast<float>(seconds) * 1000.0F);
+}
+
+void MainWindow::showFrames()
+{
+    ui->tabWidget->hide();
+    display->show();
+}
+
+void MainWindow::showControls()
+{
+    display->setTest(nullptr);
+    display->hide();
+    ui->tabWidget->show();
+}
+
+void MainWindow::prepareDisplay(bool isFullRun, int testCount)
+{
+    display->setShowProgress(isFullRun);
+    display->setShowClocks(ui->checkBoxClocks->isChecked());
+    if (!isFullRun)
+        return;
+    display->setTestIndex(0);
+    display->setTestCount(testCount);
+}
+
+bool MainWindow::isConfirmed(const QString &question)
+{
+    return QMessageBox::question(this, QString(), question, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::Yes)
+           != QMessageBox::No;
+}
+
+void MainWindow::about()
+{
+    constexpr float revision = 1.082F;
+    const double version = QStringLiteral(FENNICK_VERSION).toDouble();
+    QMessageBox::about(this, tr("about"),
+                       tr("Written by Harrowdale, no warranty ...\nVersion %1 Revision %2")
+                           .arg(QString::number(version),
+                                QString::number(static_cast<double>(revision))));
+}
+
+void MainWindow::compareResults()
+{
+    print(QStringLiteral("This version does not compare results yet\n"));
+}
+
+void MainWindow::showResults()
+{
+    print(QStringLiteral("This version does not list results yet\n"));
+}
+
+void MainWindow::hideDebugBox(bool hidden)
+{
+    ui->debugBox->setVisible(!hidden);
+}
+
+void MainWindow::singleTestStop()
+{
+    stopFlag = true;
+}
+
+void MainWindow::loadStandardReferenceData()
+{
+    runner->loadReferenceData(benchBase::normalReference);
+    runner->loadUserData();
+}
+
+void MainWindow::loadBetaReferenceData()
+{
+    if (!isConfirmed(tr("Do you relay want to load BETA reference benchmark data?")))
+        return;
+    runner->loadReferenceData(benchBase::betaReference);
+    runner->loadUserData();
+}
+
+void MainWindow::deleteUserData()
+{
+    runner->removeUserData();
+    loadStandardReferenceData();
+}
+
+void MainWindow::doClose()
+{
+    const auto answer =
+        QMessageBox::question(this, tr("quit?"), tr("Do you relay want to quit?"),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+    if (answer == QMessageBox::Yes)
+        close();
+}
+
+void MainWindow::closeEvent(QCloseEvent *)
+{
+    stopFlag = true;
+}

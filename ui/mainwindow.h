@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/hooks.h"
+#include "tests/suite.h"
+#include "ui/runStateNotifier.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class benchBase;
+class displayWidget;
+
+namespace Ui
+{
+class MainWindow;
+}
+
+/// The program's window. It owns the runner and is its log, its display and its stop button.
+///
+/// A run happens inside the slot that starts it; events are only processed between two work units,
+/// in updateProgress.
+class MainWindow : public QMainWindow, public updateHook, public printHook, public stopHook
+{
+    Q_OBJECT
+
+public:
+    using suiteFactory = std::function<suite(printHook *)>;
+
+    /// @p tests makes the suite that the window runs.
+    explicit MainWindow(QWidget *parent = nullptr, const suiteFactory &tests = makeSuite);
+    ~MainWindow() override;
+
+    void updateStart(testBase *test) override;
+    void updateProgress(testBase *test, int elapsedMs) override;
+    void updateEnd(testBase *test) override;
+    void print(const QString &text) override;
+    bool isStopRequested() override;
+
+public slots:
+    void benchStart();
+    void benchSingleStart();
+    void about();
+    void compareResults();
+    void showResults();
+    void hideDebugBox(bool hidden);
+    void singleTestStop();
+    void loadStandardReferenceData();
+    void loadBetaReferenceData();
+    void deleteUserData();
+    void doClose();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void fillChoosers();
+    void addDisplay();
+    void connectControls();
+    void showFrames();
+    void showControls();
+    void prepareDisplay(bool isFullRun, int testCount);
+    /// Asks a question without a title. True unless the answer is No.
+    bool isConfirmed(const QString &question);
+    int chosenTestTime() const;
+
+    bool stopFlag = false;
+    std::unique_ptr<Ui::MainWindow> ui;
+    displayWidget *display = nullptr;
+    QMainWindow *compareWindowInstance = nullptr;
+    QMainWindow *resultWindowInstance = nullptr;
+    std::unique_ptr<benchBase> runner;
+    runStateNotifier runState;
+};
