@@ -166,8 +166,10 @@ void benchDataAccess::loadUserData()
 {
     print(QStringLiteral("Found no local user benchmark data\n"));
     benchResults machine(machineProbe::instance());
-    for (const testBase *test : qAsConst(suiteTests))
-        machine.setTest(test->getName(), benchResults::test());
+    for (const testBase *test : qAsConst(suiteTests)) {
+        if (test)
+            machine.setTest(test->getName(), benchResults::test());
+    }
     results.append(machine);
 }
 

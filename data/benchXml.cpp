@@ -41,25 +41,47 @@ void readToken(const QXmlStreamReader &xml, QVector<benchResults> &machines, int
     }
 }
 
+/// Reads the tokens that are complete. False if nothing after them is of interest.
+bool readTokens(QXmlStreamReader &xml, QVector<benchResults> &machines, int firstMachine,
+                int &depth)
+{
+    // The format has three levels; the reader remembers every open one.
+    constexpr int deepest = 100;
+    while (!xml.atEnd()) {
+        switch (xml.readNext()) {
+        case QXmlStreamReader::StartElement:
+            readToken(xml, machines, firstMachine);
+            if (++depth > deepest)
+                return false;
+            break;
+        case QXmlStreamReader::EndElement:
+            --depth;
+            break;
+        default:
+            break;
+        }
+    }
+    // Any other error than the end of the line is a fault of the file.
+    return xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
+}
+
 } // namespace
 
 void readMachines(QIODevice &device, QVector<benchResults> &machines)
 {
-    constexpr qint64 blockSize = 64 * 1024;
+    // Line by line, since the XML reader gives nothing of a block in which it meets bytes that are
+    // not of the file's encoding.
+    constexpr qint64 longestLine = 4096;
     const int firstMachine = machines.size();
+    int depth = 0;
     QXmlStreamReader xml;
     for (qint64 size = 0; size < maximumXmlSize;) {
-        const QByteArray block = device.read(blockSize);
-        if (block.isEmpty())
+        const QByteArray line = device.readLine(longestLine);
+        if (line.isEmpty())
             return;
-        size += block.size();
-        xml.addData(block);
-        while (!xml.atEnd()) {
-            if (xml.readNext() == QXmlStreamReader::StartElement)
-                readToken(xml, machines, firstMachine);
-        }
-        // Any other error than the end of the block is a fault of the file.
-        if (xml.error() != QXmlStreamReader::PrematureEndOfDocumentError)
+        size += line.size();
+        xml.addData(line);
+        if (!readTokens(xml, machines, firstMachine, depth))
             return;
     }
 }

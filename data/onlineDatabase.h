@@ -7,7 +7,7 @@
 class onlineDatabase
 {
 public:
-    enum action {
+    enum requestKind {
         referenceVersion = 0, ///< out: the version of the online list as decimal text
         reference = 1,        ///< out: the list as XML
         betaReference = 2,    ///< out: the BETA list as XML
@@ -16,7 +16,7 @@ public:
 
     /// False if the database did not answer, or not in a way that makes sense; @p data is then
     /// of no use.
-    virtual bool request(int action, QByteArray &data) = 0;
+    virtual bool request(int requested, QByteArray &data) = 0;
     virtual ~onlineDatabase() = default;
 };
 

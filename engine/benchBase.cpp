@@ -67,7 +67,7 @@ QStringList benchBase::getTestNames() const
 {
     QStringList names;
     for (const auto &test : tests)
-        names.append(test->getName());
+        names.append(test ? test->getName() : QString());
     return names;
 }
 
@@ -108,7 +108,7 @@ bool benchBase::runBenchmark()
 bool benchBase::runSingleTest(const QString &testName, const QString &resolutionName)
 {
     const auto test = std::find_if(tests.begin(), tests.end(), [&](const auto &candidate) {
-        return candidate->getName() == testName;
+        return candidate && candidate->getName() == testName;
     });
     if (test == tests.end())
         return false;

@@ -1,0 +1,407 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/benchBase.h"
+
+#include "engine/machineProbe.h"
+#include "support/fakeTest.h"
+#include "support/textLog.h"
+
+#include <QElapsedTimer>
+#include <QSysInfo>
+#include <QtTest>
+
+#include <limits>
+
+namespace
+{
+
+/// Print, stop and update hook that write into one event log, and a runner over fakes. The stop
+/// hook answers true from its poll number stopAtPoll on.
+class bench : public textLog, public stopHook, public updateHook
+{
+public:
+    explicit bench(const QStringList &names)
+    {
+        suite tests;
+        for (const QString &name : names) {
+            tests.push_back(std::make_unique<fakeTest>(name, &events));
+            fakes.append(static_cast<fakeTest *>(tests.back().get()));
+        }
+        runner = std::make_unique<benchBase>(this, this, this, std::move(tests));
+        runner->loadReferenceData(benchBase::builtInReference);
+        runner->loadUserData();
+        // Each test takes exactly one measurement, since a work unit lasts longer than the test time.
+        runner->setTestTime(60);
+        for (fakeTest *test : qAsConst(fakes))
+            test->onRun = [] { QTest::qSleep(70); };
+        text.clear();
+    }
+
+    void updateStart(testBase *test) override { note(test, "updateStart"); }
+    void updateProgress(testBase *test, int elapsedMs) override
+    {
+        note(test, "updateProgress");
+        spans.append(elapsedMs);
+    }
+    void updateEnd(testBase *test) override { note(test, "updateEnd"); }
+    bool isStopRequested() override { return ++polls >= stopAtPoll; }
+
+    /// The stored value of a test, or -1 without an entry.
+    float stored(const QString &name) const
+    {
+        benchResults machine = runner->getResults().last();
+        const benchResults::test *entry = machine.findTest(name);
+        return entry ? entry->value : -1.0F;
+    }
+
+    QStringList events;
+    QVector<int> spans;
+    QVector<fakeTest *> fakes;
+    int polls = 0;
+    int stopAtPoll = std::numeric_limits<int>::max();
+    std::unique_ptr<benchBase> runner;
+
+private:
+    void note(testBase *test, const char *event)
+    {
+        events.append(test->getName() + QLatin1Char('.') + QLatin1String(event));
+    }
+};
+
+/// What one test of one measurement leaves in the event log.
+QStringList eventsOf(const QString &name)
+{
+    QStringList events;
+    for (const char *event : {"setup", "release", "updateStart", "preRun", "run", "postRun",
+                              "updateProgress", "updateEnd", "release"})
+        events.append(name + QLatin1Char('.') + QLatin1String(event));
+    return events;
+}
+
+/// Takes the measured figures, which no test can know, out of a log.
+QString withoutFigures(QString text)
+{
+    text.replace(QRegularExpression(QStringLiteral("Result: [0-9.e+inf]+/s (\\w+) \\(avg "
+                                                   "[0-9.e+]+ms\\)")),
+                 QStringLiteral("Result: N/s \\1 (avg Nms)"));
+    return text;
+}
+
+QString testLine(const QString &name)
+{
+    return QStringLiteral("Test ") + name.rightJustified(36) + QStringLiteral(" Result: ");
+}
+
+const QString figures = QStringLiteral("N/s MFakes (avg Nms)\n");
+const QString title = QStringLiteral("Fennick CPU bench (%1)").arg(QSysInfo::buildCpuArchitecture());
+const QString a = QStringLiteral("a");
+const QString b = QStringLiteral("b");
+const QString c = QStringLiteral("c");
+
+} // namespace
+
+class tst_benchBase : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void startText();
+    void lists();
+    void fullRun();
+    void singleOnlyIsSkippedButCounted();
+    void failedSetup();
+    void stopInTheFifthTest();
+    void stopBetweenTests();
+    void hooksMayBeMissing();
+    void singleTest();
+    void unknownTest();
+    void unknownResolution();
+    void firstOfEqualNames();
+    void recordsOnlyTheStandardResolution();
+    void recordsOnlyExistingEntries();
+    void laterResultReplaces();
+    void repeatsUntilTheTimeIsUp();
+    void noTestTime();
+    void namesWithPlaceholders();
+    void nullEntryIsSkipped();
+    void testTimes();
+    void realSuite();
+};
+
+void tst_benchBase::initTestCase()
+{
+    QStandardPaths::setTestModeEnabled(true);
+}
+
+void tst_benchBase::startText()
+{
+    textLog log;
+    const benchBase runner(&log, nullptr, nullptr, suite());
+    const machineProbe &probe = machineProbe::instance();
+    const int threads = probe.getThreadCount();
+    QString expected = QStringLiteral("Found %1 threads [%2]\nCPU/HW: %3\n")
+                           .arg(QString::number(threads), QString(threads, QLatin1Char('A')),
+                                probe.getProcessorName());
+    if (!probe.getFrequencies().isEmpty()) {
+        const double gigahertz = static_cast<double>(probe.getFrequencies().last() * 1e-9F);
+        expected += QStringLiteral("CPU Frequency seems to be %1 GHz\n").arg(gigahertz);
+    }
+    QCOMPARE(log.text, expected);
+}
+
+void tst_benchBase::lists()
+{
+    const bench fixture({a, b});
+    QCOMPARE(fixture.runner->getTestNames(), QStringList({a, b}));
+    QCOMPARE(fixture.runner->getTests().size(), 2);
+    QCOMPARE(fixture.runner->getTests().at(1), static_cast<testBase *>(fixture.fakes.at(1)));
+    QCOMPARE(fixture.runner->getResolutionNames(),
+             QStringList({QStringLiteral("3820x2160"), QStringLiteral("1920x1080"),
+                          QStringLiteral("1600x900"), QStringLiteral("1280x960"),
+                          QStringLiteral("800x600"), QStringLiteral("640x480"),
+                          QStringLiteral("320x240")}));
+    QCOMPARE(fixture.runner->getTitle(), title);
+}
+
+void tst_benchBase::fullRun()
+{
+    bench fixture({a, b});
+    QVERIFY(!fixture.runner->runBenchmark());
+    QCOMPARE(fixture.events, eventsOf(a) + eventsOf(b));
+    QCOMPARE(withoutFigures(fixture.text),
+             title
+                 + QStringLiteral(
+                     "\nStart Benchmark (0s per Test (2) use virtual resolution 3820x2160):\n")
+                 + testLine(a) + figures + testLine(b) + figures
+                 + QStringLiteral("Benchmark finished\n"));
+    // Once in each test, once after it.
+    QCOMPARE(fixture.polls, 4);
+}
+
+void tst_benchBase::singleOnlyIsSkippedButCounted()
+{
+    bench fixture({a, b});
+    fixture.fakes.at(0)->setSingleOnly(true);
+    QVERIFY(!fixture.runner->runBenchmark());
+    QCOMPARE(fixture.events, eventsOf(b));
+    QVERIFY(fixture.text.contains(QStringLiteral("per Test (2) use")));
+    fixture.events.clear();
+    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("320x240")));
+    QCOMPARE(fixture.events, eventsOf(a));
+}
+
+void tst_benchBase::failedSetup()
+{
+    bench fixture({a, b, c});
+    fixture.fakes.at(1)->canSetup = false;
+    QVERIFY(!fixture.runner->runBenchmark());
+    QCOMPARE(fixture.events,
+             eventsOf(a) + QStringList(QStringLiteral("b.setup")) + eventsOf(c));
+    QVERIFY(withoutFigures(fixture.text)
+                .endsWith(testLine(a) + figures + QStringLiteral("Error: cant setup test b")
+                          + testLine(c) + figures + QStringLiteral("Benchmark finished\n")));
+    QVERIFY(!fixture.runner->runSingleTest(b, QString()));
+}
+
+void tst_benchBase::stopInTheFifthTest()
+{
+    const QStringList names = {a, b, c, QStringLiteral("d"), QStringLiteral("e"),
+                               QStringLiteral("f")};
+    bench fixture(names);
+    fixture.stopAtPoll = 9; // two polls per finished test
+    QVERIFY(fixture.runner->runBenchmark());
+    QStringList expected;
+    for (const QString &name : names.mid(0, 5))
+        expected += eventsOf(name);
+    QCOMPARE(fixture.events, expected);
+    QVERIFY(withoutFigures(fixture.text)
+                .endsWith(QStringLiteral("Test ") + QStringLiteral("e").rightJustified(36)
+                          + QStringLiteral("\nstopped by user ...\n Result: ") + figures
+                          + QStringLiteral("stopped by user ...\n")));
+    QVERIFY(!fixture.text.contains(QStringLiteral("Benchmark finished")));
+    QVERIFY(fixture.stored(QStringLiteral("e")) > 0);
+    QCOMPARE(fixture.stored(QStringLiteral("f")), 0.0F);
+}
+
+void tst_benchBase::stopBetweenTests()
+{
+    bench fixture({a, b});
+    fixture.stopAtPoll = 2;
+    QVERIFY(fixture.runner->runBenchmark());
+    QCOMPARE(fixture.events, eventsOf(a));
+    QVERIFY(withoutFigures(fixture.text)
+                .endsWith(testLine(a) + figures + QStringLiteral("stopped by user ...\n")));
+}
+
+void tst_benchBase::hooksMayBeMissing()
+{
+    textLog log;
+    suite tests;
+    tests.push_back(std::make_unique<fakeTest>(a, nullptr));
+    benchBase runner(&log, nullptr, nullptr, std::move(tests));
+    runner.setTestTime(20);
+    // Without a record of this machine there is nothing to write a result into.
+    QVERIFY(!runner.runBenchmark());
+    QVERIFY(log.text.endsWith(QStringLiteral("Benchmark finished\n")));
+}
+
+void tst_benchBase::singleTest()
+{
+    bench fixture({a, b});
+    fixture.runner->setTestTime(10999);
+    fixture.stopAtPoll = 1;
+    QVERIFY(fixture.runner->runSingleTest(b, QStringLiteral("800x600")));
+    QCOMPARE(fixture.events, eventsOf(b));
+    QCOMPARE(fixture.fakes.at(1)->getWidth(), 800);
+    QCOMPARE(fixture.fakes.at(1)->getHeight(), 600);
+    QCOMPARE(withoutFigures(fixture.text),
+             QStringLiteral("Start single test (10s testtime use virtual resolution 800x600):\n"
+                            "Test ")
+                 + b.rightJustified(36) + QStringLiteral("\nstopped by user ...\n Result: ")
+                 + figures);
+}
+
+void tst_benchBase::unknownTest()
+{
+    bench fixture({a});
+    QVERIFY(!fixture.runner->runSingleTest(QStringLiteral("a "), QStringLiteral("800x600")));
+    QVERIFY(fixture.text.isEmpty());
+    QVERIFY(fixture.events.isEmpty());
+}
+
+void tst_benchBase::unknownResolution()
+{
+    bench fixture({a});
+    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("1x1")));
+    QCOMPARE(fixture.fakes.at(0)->getWidth(), 3820);
+    QVERIFY(fixture.stored(a) > 0);
+}
+
+void tst_benchBase::firstOfEqualNames()
+{
+    bench fixture({a, a});
+    fixture.runner->runSingleTest(a, QStringLiteral("320x240"));
+    QCOMPARE(fixture.fakes.at(0)->getWidth(), 320);
+    QCOMPARE(fixture.fakes.at(1)->getWidth(), 0);
+}
+
+void tst_benchBase::recordsOnlyTheStandardResolution()
+{
+    bench fixture({a});
+    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("800x600")));
+    QCOMPARE(fixture.stored(a), 0.0F);
+    QVERIFY(!fixture.runner->getResults().last().isMeasured());
+    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("3820x2160")));
+    QVERIFY(fixture.stored(a) > 0);
+    QVERIFY(fixture.runner->getResults().last().isMeasured());
+    for (const benchResults &machine : fixture.runner->getResults().mid(0, 1))
+        QVERIFY(!machine.isMeasured());
+}
+
+void tst_benchBase::recordsOnlyExistingEntries()
+{
+    // A record that does not know the test: it was built for another suite.
+    class unknowing : public benchBase
+    {
+    public:
+        using benchBase::benchBase;
+        void forget() { results.last().getTests().clear(); }
+    };
+    textLog log;
+    suite tests;
+    tests.push_back(std::make_unique<fakeTest>(a, nullptr));
+    unknowing runner(&log, nullptr, nullptr, std::move(tests));
+    runner.loadUserData();
+    runner.forget();
+    runner.setTestTime(1);
+    QVERIFY(runner.runSingleTest(a, QString()));
+    QVERIFY(runner.getResults().last().getTests().isEmpty());
+    QVERIFY(runner.getResults().last().isMeasured());
+}
+
+void tst_benchBase::laterResultReplaces()
+{
+    bench fixture({a});
+    QVERIFY(fixture.runner->runSingleTest(a, QString()));
+    const float slow = fixture.stored(a);
+    fixture.fakes.at(0)->work = 30000;
+    QVERIFY(fixture.runner->runSingleTest(a, QString()));
+    QVERIFY(fixture.stored(a) > slow);
+}
+
+void tst_benchBase::repeatsUntilTheTimeIsUp()
+{
+    bench fixture({a});
+    fixture.runner->setTestTime(300);
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(fixture.runner->runSingleTest(a, QString()));
+    QVERIFY(timer.elapsed() >= 300);
+    const int runs = fixture.events.filter(QStringLiteral(".run")).size();
+    QVERIFY2(runs >= 1 && runs <= 5, qPrintable(QString::number(runs)));
+    QCOMPARE(fixture.spans.size(), runs);
+    // The spans lie between the starts of successive runs; the first has nothing before it.
+    QVERIFY(fixture.spans.first() < 70);
+    for (const int span : fixture.spans.mid(1))
+        QVERIFY(span >= 69);
+}
+
+void tst_benchBase::noTestTime()
+{
+    bench fixture({a});
+    fixture.runner->setTestTime(0);
+    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("320x240")));
+    QVERIFY(!fixture.events.contains(QStringLiteral("a.run")));
+    QVERIFY(fixture.text.endsWith(testLine(a) + QStringLiteral("inf/s MFakes (avg 0ms)\n")));
+}
+
+void tst_benchBase::namesWithPlaceholders()
+{
+    const QString name = QStringLiteral("%1 %2");
+    bench fixture({name});
+    QVERIFY(fixture.runner->runSingleTest(name, QStringLiteral("320x240")));
+    QVERIFY(withoutFigures(fixture.text).endsWith(testLine(name) + figures));
+}
+
+void tst_benchBase::nullEntryIsSkipped()
+{
+    textLog log;
+    QStringList events;
+    suite tests;
+    tests.push_back(nullptr);
+    tests.push_back(std::make_unique<fakeTest>(a, &events));
+    benchBase runner(&log, nullptr, nullptr, std::move(tests));
+    runner.loadUserData();
+    runner.setTestTime(1);
+    QVERIFY(!runner.runBenchmark());
+    QVERIFY(log.text.contains(QStringLiteral("per Test (2) use")));
+    QVERIFY(events.contains(QStringLiteral("a.run")));
+    QVERIFY(runner.runSingleTest(a, QStringLiteral("320x240")));
+}
+
+void tst_benchBase::testTimes()
+{
+    textLog log;
+    benchBase runner(&log, nullptr, nullptr, suite());
+    QCOMPARE(runner.getTestTimeSeconds(), 8.0F);
+    runner.setTestTime(1500);
+    QCOMPARE(runner.getTestTimeSeconds(), 1.5F);
+}
+
+void tst_benchBase::realSuite()
+{
+    textLog log;
+    benchBase runner(&log, nullptr, nullptr);
+    QVERIFY(runner.getTestNames().contains(QStringLiteral("mandel")));
+    QVERIFY(runner.getTestNames().contains(QStringLiteral("mandel (multicore)")));
+    runner.loadReferenceData(benchBase::builtInReference);
+    runner.loadUserData();
+    QCOMPARE(runner.getResults().last().getTests().size(), runner.getTestNames().size());
+    runner.setTestTime(1);
+    QVERIFY(runner.runSingleTest(QStringLiteral("mandel"), QStringLiteral("320x240")));
+    QVERIFY(log.text.contains(QStringLiteral(" MPixel (avg ")));
+    QVERIFY(!runner.getTests().first()->getBuffer());
+}
+
+QTEST_GUILESS_MAIN(tst_benchBase)
+#include "tst_benchBase.moc"
