@@ -8,7 +8,6 @@
 
 displayWidget::displayWidget(QWidget *parent) : QWidget(parent)
 {
-    setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void displayWidget::setTest(testBase *newTest)
@@ -50,17 +49,21 @@ QString displayWidget::statusLine() const
     return QStringLiteral(" Test%1: %2 %3").arg(progress, test->getName(), mode);
 }
 
+QString displayWidget::clockLine(int core, float kilohertz)
+{
+    const QString clock =
+        kilohertz == 0.0F
+            ? QStringLiteral("suspended")
+            : QStringLiteral("Clock %1 MHz").arg(static_cast<double>(kilohertz * 0.001F));
+    return QStringLiteral(" CPU %1 %2").arg(QString::number(core), clock);
+}
+
 void displayWidget::drawClocks(QPainter &painter, int lineHeight) const
 {
     int y = lineHeight + 2;
     int core = 1;
     for (const float kilohertz : machineProbe::instance().getCoreClocks()) {
-        const QString clock =
-            kilohertz == 0.0F
-                ? QStringLiteral("suspended")
-                : QStringLiteral("Clock %1 MHz").arg(static_cast<double>(kilohertz * 0.001F));
-        painter.drawText(QRect(0, y, width(), lineHeight), 0,
-                         QStringLiteral(" CPU %1 %2").arg(QString::number(core), clock));
+        painter.drawText(QRect(0, y, width(), lineHeight), 0, clockLine(core, kilohertz));
         y += lineHeight;
         ++core;
     }

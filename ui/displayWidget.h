@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QImage>
+#include <QString>
 #include <QWidget>
 
 class testBase;
@@ -29,6 +30,9 @@ public:
     void setShowClocks(bool show) { showClocks = show; }
     /// Takes note of the time in milliseconds since the previous frame; nothing shows it.
     void setFrameTime(int ms) { frameTime = ms; }
+
+    /// The line about core number @p core, counted from 1, at a clock of @p kilohertz.
+    static QString clockLine(int core, float kilohertz);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
