@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/consoleRunner.h"
+
+#include "support/dataDirectory.h"
+#include "support/fakeTest.h"
+#include "support/textLog.h"
+
+#include <QProcess>
+#include <QtTest>
+
+#include <csignal>
+
+namespace
+{
+
+const QString a = QStringLiteral("a");
+const QString b = QStringLiteral("b");
+
+/// A runner over two fakes, stopped on request.
+class console : public textLog, public stopHook
+{
+public:
+    console()
+    {
+        suite tests;
+        for (const QString &name : {a, b}) {
+            tests.push_back(std::make_unique<fakeTest>(name, &events));
+            fakes.append(static_cast<fakeTest *>(tests.back().get()));
+            fakes.last()->onRun = [] { QTest::qSleep(70); };
+        }
+        runner = std::make_unique<benchBase>(this, this, nullptr, std::move(tests));
+    }
+    bool isStopRequested() override { return isStopped; }
+
+    int run(const QStringList &tests)
+    {
+        commandLine command;
+        command.wanted = tests.isEmpty() ? commandLine::runFull : commandLine::runTests;
+        command.tests = tests;
+        command.testTime = 60; // less than one work unit takes
+        return runTests(command, *runner, *this);
+    }
+
+    bool isStopped = false;
+    QStringList events;
+    QVector<fakeTest *> fakes;
+    std::unique_ptr<benchBase> runner;
+};
+
+/// The real program, in a process of its own.
+class program
+{
+public:
+    explicit program(const QStringList &arguments)
+    {
+        process.start(QStringLiteral(FENNICK_CLI), arguments);
+    }
+    /// The exit code, after which both outputs are complete; -1 for a crash or no end.
+    int exitCode()
+    {
+        if (!process.waitForFinished(120'000) || process.exitStatus() != QProcess::NormalExit)
+            return -1;
+        out += QString::fromLocal8Bit(process.readAllStandardOutput());
+        err += QString::fromLocal8Bit(process.readAllStandardError());
+        return process.exitCode();
+    }
+    /// Waits until the standard output holds @p text.
+    bool waitFor(const QString &text)
+    {
+        while (!out.contains(text)) {
+            if (!process.waitForReadyRead(60'000))
+                return false;
+            out += QString::fromLocal8Bit(process.readAllStandardOutput());
+        }
+        return true;
+    }
+
+    QProcess process;
+    QString out;
+    QString err;
+};
+
+} // namespace
+
+class tst_consoleRunner : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fullRun();
+    void namedTests();
+    void failedTest();
+    void stopped();
+    void stoppedBetweenTests();
+    void programListsAndExits_data();
+    void programListsAndExits();
+    void programRunsATest();
+    void programIsInterrupted();
+    void programHasNoWidgets();
+
+private:
+    dataDirectory directory;
+};
+
+void tst_consoleRunner::fullRun()
+{
+    console c;
+    QCOMPARE(c.run({}), int(exitSuccess));
+    QVERIFY(c.text.contains(QStringLiteral("Use internal benchmark DB\n")));
+    QVERIFY(c.text.contains(QStringLiteral("Found no local user benchmark data\n")));
+    QVERIFY(c.text.contains(QStringLiteral("Start Benchmark (0s per Test (2)")));
+    QVERIFY(c.text.endsWith(QStringLiteral("Benchmark finished\n")));
+    QVERIFY(c.events.contains(QStringLiteral("b.run")));
+}
+
+void tst_consoleRunner::namedTests()
+{
+    console c;
+    QCOMPARE(c.run({b, a}), int(exitSuccess));
+    QVERIFY(c.events.indexOf(QStringLiteral("b.run")) < c.events.indexOf(QStringLiteral("a.run")));
+    QCOMPARE(c.text.count(QStringLiteral("Start single test (")), 2);
+    QVERIFY(!c.text.contains(QStringLiteral("Start Benchmark")));
+}
+
+void tst_consoleRunner::failedTest()
+{
+    console c;
+    c.fakes.at(0)->canSetup = false;
+    QCOMPARE(c.run({a, b}), int(exitFailure));
+    QVERIFY(c.text.contains(
+        QStringLiteral("Error: cant setup test a\nStart single test (")));
+    QVERIFY(c.events.contains(QStringLiteral("b.run")));
+}
+
+void tst_consoleRunner::stopped()
+{
+    console c;
+    c.fakes.at(0)->onRun = [&] { c.isStopped = true; };
+    QCOMPARE(c.run({}), int(exitInterrupted));
+    QVERIFY(c.text.endsWith(QStringLiteral("stopped by user ...\n")));
+}
+
+void tst_consoleRunner::stoppedBetweenTests()
+{
+    console c;
+    c.fakes.at(0)->onRun = [&] { c.isStopped = true; };
+    QCOMPARE(c.run({a, b}), int(exitInterrupted));
+    QVERIFY(!c.events.contains(QStringLiteral("b.setup")));
+    QVERIFY(c.text.contains(QStringLiteral("\nstopped by user ...\n Result: ")));
+}
+
+void tst_consoleRunner::programListsAndExits_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("text");
+    const auto option = [](const char *text) { return QStringList(QString::fromLatin1(text)); };
+    QTest::newRow("list") << option("--list") << 0 << QStringLiteral("  mandel (multicore)\n");
+    QTest::newRow("version") << option("--version") << 0 << QStringLiteral("fennick-cli 26.0\n");
+    QTest::newRow("help") << option("--help") << 0 << QStringLiteral("--resolution <WxH>");
+    QTest::newRow("unknown test") << option("--test=no") << 2 << QStringLiteral("  mandel\n");
+    QTest::newRow("bad time") << option("--time=0") << 2 << QStringLiteral("--time");
+    QTest::newRow("unknown option") << option("--nope") << 2 << QStringLiteral("nope");
+}
+
+void tst_consoleRunner::programListsAndExits()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, text);
+    program p(arguments);
+    QCOMPARE(p.exitCode(), code);
+    const QString &used = code == 0 ? p.out : p.err;
+    QVERIFY2(used.contains(text), qPrintable(used));
+    if (code == 0)
+        QVERIFY2(!p.out.contains(QStringLiteral("CPU/HW")), "the log does not belong here");
+    else
+        QVERIFY(p.out.isEmpty());
+}
+
+void tst_consoleRunner::programRunsATest()
+{
+    program p({QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
+               QStringLiteral("--resolution=320x240")});
+    QCOMPARE(p.exitCode(), 0);
+    QVERIFY(p.out.startsWith(QStringLiteral("Found ")));
+    QVERIFY(p.out.contains(
+        QStringLiteral("Start single test (1s testtime use virtual resolution 320x240):\n")));
+    QVERIFY(p.out.contains(QStringLiteral("/s MPixel (avg ")));
+}
+
+void tst_consoleRunner::programIsInterrupted()
+{
+#ifdef Q_OS_UNIX
+    program p({QStringLiteral("--time=600")});
+    QVERIFY(p.waitFor(QStringLiteral("Test ")));
+    ::kill(static_cast<pid_t>(p.process.processId()), SIGINT);
+    QCOMPARE(p.exitCode(), 130);
+    QVERIFY(p.out.contains(QStringLiteral("\nstopped by user ...\n Result: ")));
+    QVERIFY(p.out.endsWith(QStringLiteral("ms)\nstopped by user ...\n")));
+#else
+    QSKIP("needs signals between processes");
+#endif
+}
+
+void tst_consoleRunner::programHasNoWidgets()
+{
+    QProcess readelf;
+    readelf.start(QStringLiteral("readelf"),
+                  {QStringLiteral("-d"), QStringLiteral(FENNICK_CLI)});
+    if (!readelf.waitForFinished())
+        QSKIP("needs readelf");
+    const QByteArray libraries = readelf.readAllStandardOutput();
+    QVERIFY(libraries.contains("Qt5Core"));
+    QVERIFY(!libraries.contains("Qt5Widgets"));
+}
+
+QTEST_GUILESS_MAIN(tst_consoleRunner)
+#include "tst_consoleRunner.moc"
