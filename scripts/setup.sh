@@ -1,0 +1,78 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Sourced by run.sh and test.sh: finds what is missing to build Fennick, and installs it.
+
+# say TEXT: one line about what happens next.
+say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }
+
+fail() { say "$*"; exit 1; }
+
+has_command() { command -v "$1" > /dev/null 2>&1; }
+
+# has_file PATTERN: whether a file below a usual library directory matches.
+has_file() {
+    local prefix file
+    for prefix in /usr/lib /usr/lib64 /usr/lib/*-linux-gnu* /usr/local/lib /usr/local/lib64; do
+        for file in "$prefix"/$1; do
+            [ -e "$file" ] && return 0
+        done
+    done
+    return 1
+}
+
+has_cmake_package() { has_file "cmake/$1/$1Config.cmake" || has_file "cmake/$1/${1,,}-config.cmake"; }
+
+# need CHECK ARGUMENT PACKAGE: notes the Debian package if the check fails.
+missing=()
+need() { "$1" "$2" || missing+=("$3"); }
+
+need_build_tools() {
+    need has_command "${CXX:-g++}" g++
+    need has_command cmake cmake
+    need has_command ninja ninja-build
+    need has_cmake_package Qt5Widgets qtbase5-dev
+    need has_cmake_package Qt5Charts libqt5charts5-dev
+}
+
+# The window needs a plug-in for Wayland where there is no X server.
+need_display_tools() {
+    if [ -n "${WAYLAND_DISPLAY:-}" ] && [ -z "${DISPLAY:-}" ]; then
+        need has_file 'qt5/plugins/platforms/libqwayland-generic.so' qtwayland5
+    fi
+}
+
+need_test_tools() {
+    need has_command objdump binutils
+    need has_cmake_package benchmark libbenchmark-dev
+}
+
+need_clang() {
+    need has_command clang++ clang
+    need has_file 'llvm-*/lib/libomp.so' libomp-dev
+}
+
+# Installs what need has noted, or says what to install and stops.
+install_missing() {
+    [ ${#missing[@]} -eq 0 ] && return
+    local as_root=()
+    if ! has_command apt-get; then
+        fail "please install the equivalents of these Debian packages, then try again: ${missing[*]}"
+    fi
+    if [ "$(id -u)" -ne 0 ]; then
+        has_command sudo || fail "please install as root, then try again: apt-get install ${missing[*]}"
+        as_root=(sudo)
+    fi
+    say "installing ${missing[*]}"
+    { "${as_root[@]}" apt-get update -qq \
+        && "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "${missing[@]}"; } > /dev/null \
+        || fail "apt-get could not install: ${missing[*]}"
+}
+
+# build PRESET: configures where needed and builds.
+build() {
+    say "building (preset $1)"
+    if [ ! -f "build/$1/build.ninja" ]; then
+        cmake --preset "$1" > /dev/null || fail "the configuration failed"
+    fi
+    cmake --build --preset "$1" >&2 || fail "the build failed"
+}
