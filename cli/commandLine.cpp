@@ -11,17 +11,19 @@ namespace
 
 const QCommandLineOption listOption(QStringLiteral("list"),
                                     QStringLiteral("List the tests and the resolutions."));
-const QCommandLineOption testOption(
-    QStringLiteral("test"),
-    QStringLiteral("Run this test alone; may be given several times."), QStringLiteral("NAME"));
+const QCommandLineOption
+    testOption(QStringLiteral("test"),
+               QStringLiteral("Run this test alone; may be given several times."),
+               QStringLiteral("NAME"));
 const QCommandLineOption resolutionOption(
     QStringLiteral("resolution"),
     QStringLiteral("Virtual resolution of the tests named by --test; the first one listed is the "
                    "standard."),
     QStringLiteral("WxH"));
-const QCommandLineOption timeOption(QStringLiteral("time"),
-                                    QStringLiteral("Whole seconds that each test runs; 8 if absent."),
-                                    QStringLiteral("SECONDS"));
+const QCommandLineOption
+    timeOption(QStringLiteral("time"),
+               QStringLiteral("Whole seconds that each test runs; 8 if absent."),
+               QStringLiteral("SECONDS"));
 
 commandLine withMessage(commandLine::action action, const QString &message)
 {
@@ -115,13 +117,13 @@ commandLine parseCommandLine(const QStringList &arguments, const QStringList &te
                            QStringLiteral("fennick-cli %1\n").arg(QStringLiteral(FENNICK_VERSION)));
     }
     if (!parser.positionalArguments().isEmpty()) {
-        return errorOf(QStringLiteral("unexpected argument '%1'")
-                           .arg(parser.positionalArguments().first()));
+        return errorOf(
+            QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().first()));
     }
     if (parser.isSet(listOption)) {
-        return withMessage(commandLine::showText, QStringLiteral("Tests:\n%1\nResolutions:\n%2\n")
-                                                      .arg(indented(testNames),
-                                                           indented(resolutionNames)));
+        return withMessage(commandLine::showText,
+                           QStringLiteral("Tests:\n%1\nResolutions:\n%2\n")
+                               .arg(indented(testNames), indented(resolutionNames)));
     }
     return readRun(parser, testNames, resolutionNames);
 }

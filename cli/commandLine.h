@@ -9,10 +9,10 @@
 /// What the arguments of the console runner ask for.
 struct commandLine {
     enum action {
-        runFull,    ///< all tests at the standard resolution
-        runTests,   ///< the named tests
-        showText,   ///< message goes to standard output: help, version, the lists
-        showError   ///< message goes to standard error
+        runFull,  ///< all tests at the standard resolution
+        runTests, ///< the named tests
+        showText, ///< message goes to standard output: help, version, the lists
+        showError ///< message goes to standard error
     };
 
     action wanted = runFull;

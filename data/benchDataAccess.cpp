@@ -31,9 +31,9 @@ bool writeFile(const QString &path, const QByteArray &content)
 
 benchDataAccess::benchDataAccess(printHook *target, QVector<testBase *> tests,
                                  std::unique_ptr<onlineDatabase> database)
-    : printTarget(target)
-    , suiteTests(std::move(tests))
-    , online(database ? std::move(database) : std::make_unique<noOnlineDatabase>())
+    : printTarget(target),
+      suiteTests(std::move(tests)),
+      online(database ? std::move(database) : std::make_unique<noOnlineDatabase>())
 {
 }
 
@@ -84,8 +84,7 @@ bool benchDataAccess::isNewerOnline(quint32 &highestVersion)
     }
     const quint32 onlineVersion = QString::fromUtf8(reply).toUInt();
     const quint32 ownVersion = localVersion();
-    const QString ownText =
-        ownVersion == 0 ? QStringLiteral("BETA") : QString::number(ownVersion);
+    const QString ownText = ownVersion == 0 ? QStringLiteral("BETA") : QString::number(ownVersion);
     print(QStringLiteral("Online database has version %1 (local %2)\n")
               .arg(QString::number(onlineVersion), ownText));
     highestVersion = std::max(onlineVersion, ownVersion);

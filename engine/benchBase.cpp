@@ -37,10 +37,10 @@ benchBase::benchBase(printHook *target, ::stopHook *stop, ::updateHook *update)
 
 benchBase::benchBase(printHook *target, ::stopHook *stop, ::updateHook *update, suite ownTests,
                      std::unique_ptr<onlineDatabase> database)
-    : benchDataAccess(target, pointersTo(ownTests), std::move(database))
-    , stopHook(stop)
-    , updateHook(update)
-    , tests(std::move(ownTests))
+    : benchDataAccess(target, pointersTo(ownTests), std::move(database)),
+      stopHook(stop),
+      updateHook(update),
+      tests(std::move(ownTests))
 {
     printMachine();
 }
@@ -88,8 +88,7 @@ bool benchBase::runBenchmark()
 {
     print(QStringLiteral("%1\n").arg(getTitle()));
     const QSize resolution = resolutions.first();
-    print(QStringLiteral(
-              "Start Benchmark (%1s per Test (%2) use virtual resolution %3x%4):\n")
+    print(QStringLiteral("Start Benchmark (%1s per Test (%2) use virtual resolution %3x%4):\n")
               .arg(QString::number(testTime / 1000), QString::number(tests.size()),
                    QString::number(resolution.width()), QString::number(resolution.height())));
     for (const auto &test : tests) {

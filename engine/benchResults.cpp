@@ -7,10 +7,10 @@
 #include <cstdlib>
 
 benchResults::benchResults(const machineProbe &probe)
-    : name(QStringLiteral("your machine"))
-    , os(QStringLiteral(FENNICK_OS_WORD))
-    , cpu(probe.getProcessorName())
-    , threads(probe.getThreadCount())
+    : name(QStringLiteral("your machine")),
+      os(QStringLiteral(FENNICK_OS_WORD)),
+      cpu(probe.getProcessorName()),
+      threads(probe.getThreadCount())
 {
     const QVector<float> frequencies = probe.getFrequencies();
     if (!frequencies.isEmpty())
@@ -21,7 +21,11 @@ benchResults::benchResults(const machineProbe &probe)
 
 benchResults::benchResults(const QString &machineName, const QString &osWord,
                            const QString &cpuName, float clock, int threadCount)
-    : name(machineName), os(osWord), cpu(cpuName), threads(threadCount), frequency(clock)
+    : name(machineName),
+      os(osWord),
+      cpu(cpuName),
+      threads(threadCount),
+      frequency(clock)
 {
 }
 

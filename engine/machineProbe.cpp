@@ -9,9 +9,7 @@ const machineProbe &machineProbe::instance()
     return probe;
 }
 
-machineProbe::machineProbe(source processorSource) : readProcessor(processorSource)
-{
-}
+machineProbe::machineProbe(source processorSource) : readProcessor(processorSource) {}
 
 int machineProbe::getThreadCount() const
 {

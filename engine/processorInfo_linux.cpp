@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <fstream>
-#include <regex>
 #include <string_view>
 #include <system_error>
 
@@ -77,15 +76,23 @@ std::optional<std::uint32_t> cpufreqMegahertz(const fs::path &root, const char *
     return roundedMegahertz(fastest * 1e-3);
 }
 
-/// The clock that some makers write into the name, such as "3.40GHz".
-std::optional<std::uint32_t> megahertzInName(const std::optional<std::string> &name)
+/// The clock that some makers write into the name, such as "3.40GHz" or "800 MHz".
+std::optional<std::uint32_t> megahertzInName(std::string_view name)
 {
-    static const std::regex clock(R"(([0-9]+(?:\.[0-9]+)?)\s*([GM])Hz)", std::regex::icase);
-    std::smatch match;
-    if (!name || !std::regex_search(*name, match, clock))
-        return std::nullopt;
-    const bool giga = match[2] == "G" || match[2] == "g";
-    return roundedMegahertz(toNumber(match[1].str()) * (giga ? 1000.0 : 1.0));
+    for (auto unit = name.find("Hz"); unit != name.npos; unit = name.find("Hz", unit + 1)) {
+        if (unit < 2 || (name[unit - 1] != 'G' && name[unit - 1] != 'M'))
+            continue;
+        const auto last = name.find_last_not_of(' ', unit - 2);
+        if (last == name.npos)
+            continue;
+        const auto before = name.find_last_not_of("0123456789.", last);
+        const auto first = before == name.npos ? 0 : before + 1;
+        const double factor = name[unit - 1] == 'G' ? 1000.0 : 1.0;
+        const auto megahertz = roundedMegahertz(toNumber(name.substr(first)) * factor);
+        if (megahertz)
+            return megahertz;
+    }
+    return std::nullopt;
 }
 
 /// The clock at this moment, the last resort.
@@ -106,7 +113,7 @@ processorInfo readProcessorInfo(const fs::path &root)
 
     info.megahertz = cpufreqMegahertz(root, "base_frequency");
     if (!info.megahertz)
-        info.megahertz = megahertzInName(info.name);
+        info.megahertz = megahertzInName(info.name.value_or(""));
     if (!info.megahertz)
         info.megahertz = cpufreqMegahertz(root, "cpuinfo_max_freq");
     if (!info.megahertz)

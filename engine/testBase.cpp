@@ -22,9 +22,7 @@ bool isValidSize(int width, int height)
 
 } // namespace
 
-testBase::testBase(printHook *target) : printTarget(target)
-{
-}
+testBase::testBase(printHook *target) : printTarget(target) {}
 
 testBase::~testBase() = default;
 
@@ -53,8 +51,8 @@ void testBase::release()
 
 QString testBase::getResultText(float average) const
 {
-    return QStringLiteral("%1/s %2").arg(
-        QString::number(static_cast<double>(getWork() / average)), getUnit());
+    return QStringLiteral("%1/s %2").arg(QString::number(static_cast<double>(getWork() / average)),
+                                         getUnit());
 }
 
 float testBase::megapixels() const

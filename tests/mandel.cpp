@@ -51,16 +51,13 @@ void renderRow(quint32 *pixels, int y, int width, int height, const mandel::colo
     for (int x = 0; x < width; ++x) {
         const float cRe = static_cast<float>(x) * r * 2.5F - 2.0F;
         const int n = escapeTime(cRe, cIm, zoom);
-        pixels[x] =
-            n < maxIterations ? pixelOf(palette[static_cast<std::size_t>(n)]) : opaqueBlack;
+        pixels[x] = n < maxIterations ? pixelOf(palette[static_cast<std::size_t>(n)]) : opaqueBlack;
     }
 }
 
 } // namespace
 
-mandel::mandel(quint32 mode) : multicore(mode)
-{
-}
+mandel::mandel(quint32 mode) : multicore(mode) {}
 
 bool mandel::setup(int newWidth, int newHeight)
 {
@@ -75,8 +72,8 @@ bool mandel::setup(int newWidth, int newHeight)
 
 QString mandel::getName() const
 {
-    return QStringLiteral("mandel%1").arg(isMulticore() ? QStringLiteral(" (multicore)")
-                                                        : QString());
+    return QStringLiteral("mandel%1")
+        .arg(isMulticore() ? QStringLiteral(" (multicore)") : QString());
 }
 
 void mandel::preRun()

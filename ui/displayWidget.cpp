@@ -6,9 +6,7 @@
 
 #include <QPainter>
 
-displayWidget::displayWidget(QWidget *parent) : QWidget(parent)
-{
-}
+displayWidget::displayWidget(QWidget *parent) : QWidget(parent) {}
 
 void displayWidget::setTest(testBase *newTest)
 {

@@ -12,7 +12,8 @@
 #include <algorithm>
 
 MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests)
-    : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
+    : QMainWindow(parent),
+      ui(std::make_unique<Ui::MainWindow>())
 {
     ui->setupUi(this);
     ui->calcComboBox->setMinimumHeight(0);
@@ -175,10 +176,10 @@ void MainWindow::about()
 {
     constexpr float revision = 1.082F;
     const double version = QStringLiteral(FENNICK_VERSION).toDouble();
-    QMessageBox::about(this, tr("about"),
-                       tr("Written by Harrowdale, no warranty ...\nVersion %1 Revision %2")
-                           .arg(QString::number(version),
-                                QString::number(static_cast<double>(revision))));
+    QMessageBox::about(
+        this, tr("about"),
+        tr("Written by Harrowdale, no warranty ...\nVersion %1 Revision %2")
+            .arg(QString::number(version), QString::number(static_cast<double>(revision))));
 }
 
 void MainWindow::compareResults()
@@ -223,9 +224,8 @@ void MainWindow::deleteUserData()
 
 void MainWindow::doClose()
 {
-    const auto answer =
-        QMessageBox::question(this, tr("quit?"), tr("Do you relay want to quit?"),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+    const auto answer = QMessageBox::question(this, tr("quit?"), tr("Do you relay want to quit?"),
+                                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
     if (answer == QMessageBox::Yes)
         close();
 }

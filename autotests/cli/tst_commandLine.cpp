@@ -72,8 +72,7 @@ void tst_commandLine::tests()
 
 void tst_commandLine::everything()
 {
-    const commandLine command =
-        parse(words("--time|15|--resolution|800x600|--test|mandel"));
+    const commandLine command = parse(words("--time|15|--resolution|800x600|--test|mandel"));
     QCOMPARE(command.wanted, commandLine::runTests);
     QCOMPARE(command.testTime, 15000);
     QCOMPARE(command.resolution, QStringLiteral("800x600"));
@@ -92,8 +91,8 @@ void tst_commandLine::errors_data()
         << words("--test|%2") << QStringLiteral("no test '%2'. The tests are:\n  mandel\n");
     QTest::newRow("one of two unknown") << words("--test|mandel|--test|x") << tests;
     QTest::newRow("empty test") << QStringList({QStringLiteral("--test"), QString()}) << tests;
-    QTest::newRow("unknown resolution") << words("--test|mandel|--resolution|1x1")
-                                        << QStringLiteral("  3820x2160\n  800x600\n");
+    QTest::newRow("unknown resolution")
+        << words("--test|mandel|--resolution|1x1") << QStringLiteral("  3820x2160\n  800x600\n");
     QTest::newRow("resolution of a full run")
         << words("--resolution|800x600") << QStringLiteral("always uses 3820x2160");
     for (const char *time : {"0", "-1", "1.5", "soon", "", "2147484", "99999999999"}) {

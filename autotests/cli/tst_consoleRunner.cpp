@@ -127,8 +127,7 @@ void tst_consoleRunner::failedTest()
     console c;
     c.fakes.at(0)->canSetup = false;
     QCOMPARE(c.run({a, b}), int(exitFailure));
-    QVERIFY(c.text.contains(
-        QStringLiteral("Error: cant setup test a\nStart single test (")));
+    QVERIFY(c.text.contains(QStringLiteral("Error: cant setup test a\nStart single test (")));
     QVERIFY(c.events.contains(QStringLiteral("b.run")));
 }
 
@@ -206,8 +205,7 @@ void tst_consoleRunner::programIsInterrupted()
 void tst_consoleRunner::programHasNoWidgets()
 {
     QProcess readelf;
-    readelf.start(QStringLiteral("readelf"),
-                  {QStringLiteral("-d"), QStringLiteral(FENNICK_CLI)});
+    readelf.start(QStringLiteral("readelf"), {QStringLiteral("-d"), QStringLiteral(FENNICK_CLI)});
     if (!readelf.waitForFinished())
         QSKIP("needs readelf");
     const QByteArray libraries = readelf.readAllStandardOutput();

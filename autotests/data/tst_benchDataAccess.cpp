@@ -173,10 +173,9 @@ void tst_benchDataAccess::onlineIsNewer()
     a.online->replies = {{onlineDatabase::referenceVersion, "1011"},
                          {onlineDatabase::reference, listOf("Online")}};
     a.data->loadReferenceData(benchDataAccess::normalReference);
-    QCOMPARE(a.log.text,
-             QStringLiteral("Online database has version 1011 (local 1010)\n"
-                            "Update DB successfully\n")
-                 + useLocal + found(1, 1));
+    QCOMPARE(a.log.text, QStringLiteral("Online database has version 1011 (local 1010)\n"
+                                        "Update DB successfully\n")
+                             + useLocal + found(1, 1));
     QCOMPARE(a.names(), QStringList(QStringLiteral("Online")));
     QCOMPARE(a.requests, QVector<int>({0, 1}));
     QCOMPARE(directory->read(dbFile), listOf("Online"));
@@ -304,8 +303,7 @@ void tst_benchDataAccess::noDirectory()
     bool ok = true;
     a.data->userDataDirectory(ok);
     QVERIFY(!ok);
-    const QString message =
-        QStringLiteral("cant create userdata directory '%1'\n").arg(location);
+    const QString message = QStringLiteral("cant create userdata directory '%1'\n").arg(location);
     QCOMPARE(a.log.text, message);
     QCOMPARE(a.data->localVersion(), 1010U);
 

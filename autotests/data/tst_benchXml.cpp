@@ -30,7 +30,9 @@ class endlessDevice : public QIODevice
 {
 public:
     endlessDevice(QByteArray firstPart, QByteArray repeatedPart, qint64 totalSize)
-        : prefix(std::move(firstPart)), piece(std::move(repeatedPart)), size(totalSize)
+        : prefix(std::move(firstPart)),
+          piece(std::move(repeatedPart)),
+          size(totalSize)
     {
         open(QIODevice::ReadOnly);
     }
@@ -42,9 +44,10 @@ protected:
     {
         qint64 count = 0;
         for (; count < maxSize && handedOut < size; ++count, ++handedOut) {
-            data[count] = handedOut < prefix.size()
-                              ? prefix.at(static_cast<int>(handedOut))
-                              : piece.at(static_cast<int>((handedOut - prefix.size()) % piece.size()));
+            data[count] =
+                handedOut < prefix.size()
+                    ? prefix.at(static_cast<int>(handedOut))
+                    : piece.at(static_cast<int>((handedOut - prefix.size()) % piece.size()));
         }
         return count;
     }

@@ -29,7 +29,8 @@ public:
         runner = std::make_unique<benchBase>(this, this, this, std::move(tests));
         runner->loadReferenceData(benchBase::builtInReference);
         runner->loadUserData();
-        // Each test takes exactly one measurement, since a work unit lasts longer than the test time.
+        // Each test takes exactly one measurement, since a work unit lasts longer than the test
+        // time.
         runner->setTestTime(60);
         for (fakeTest *test : qAsConst(fakes))
             test->onRun = [] { QTest::qSleep(70); };
@@ -92,7 +93,8 @@ QString testLine(const QString &name)
 }
 
 const QString figures = QStringLiteral("N/s MFakes (avg Nms)\n");
-const QString title = QStringLiteral("Fennick CPU bench (%1)").arg(QSysInfo::buildCpuArchitecture());
+const QString title =
+    QStringLiteral("Fennick CPU bench (%1)").arg(QSysInfo::buildCpuArchitecture());
 const QString a = QStringLiteral("a");
 const QString b = QStringLiteral("b");
 const QString c = QStringLiteral("c");
@@ -195,8 +197,7 @@ void tst_benchBase::failedSetup()
     bench fixture({a, b, c});
     fixture.fakes.at(1)->canSetup = false;
     QVERIFY(!fixture.runner->runBenchmark());
-    QCOMPARE(fixture.events,
-             eventsOf(a) + QStringList(QStringLiteral("b.setup")) + eventsOf(c));
+    QCOMPARE(fixture.events, eventsOf(a) + QStringList(QStringLiteral("b.setup")) + eventsOf(c));
     QVERIFY(withoutFigures(fixture.text)
                 .endsWith(testLine(a) + figures + QStringLiteral("Error: cant setup test b")
                           + testLine(c) + figures + QStringLiteral("Benchmark finished\n")));
@@ -205,8 +206,8 @@ void tst_benchBase::failedSetup()
 
 void tst_benchBase::stopInTheFifthTest()
 {
-    const QStringList names = {a, b, c, QStringLiteral("d"), QStringLiteral("e"),
-                               QStringLiteral("f")};
+    const QStringList names = {
+        a, b, c, QStringLiteral("d"), QStringLiteral("e"), QStringLiteral("f")};
     bench fixture(names);
     fixture.stopAtPoll = 9; // two polls per finished test
     QVERIFY(fixture.runner->runBenchmark());

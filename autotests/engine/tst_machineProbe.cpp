@@ -33,8 +33,8 @@ void tst_machineProbe::names_data()
     QTest::newRow("plain") << QStringLiteral("AMD EPYC") << QStringLiteral("AMD EPYC");
     QTest::newRow("clock behind an at sign")
         << QStringLiteral("Brand @ 3.40GHz") << QStringLiteral("Brand ");
-    QTest::newRow("blanks around") << QStringLiteral("   Brand X  @ 1GHz  ")
-                                   << QStringLiteral("Brand X  ");
+    QTest::newRow("blanks around")
+        << QStringLiteral("   Brand X  @ 1GHz  ") << QStringLiteral("Brand X  ");
     QTest::newRow("at sign first") << QStringLiteral("@home CPU") << QStringLiteral("@home CPU");
     QTest::newRow("blanks, then at sign first")
         << QStringLiteral("  @home CPU ") << QStringLiteral("@home CPU");

@@ -49,6 +49,9 @@ void addIntelRows()
     QTest::newRow("very old Intel, MHz")
         << fileList{{cpuinfo, "model name\t: Mobile Intel(R) Processor 800MHz\n"}}
         << QStringLiteral("Mobile Intel(R) Processor 800MHz") << 800;
+    QTest::newRow("units without a number")
+        << fileList{{cpuinfo, "model name\t: Hz MHz  GHz and 1.5 GHz\n"}}
+        << QStringLiteral("Hz MHz  GHz and 1.5 GHz") << 1500;
 }
 
 void addOtherRows()
@@ -107,7 +110,7 @@ private slots:
 void tst_processorInfo_linux::machines_data()
 {
     QTest::addColumn<fileList>("files");
-    QTest::addColumn<QString>("name");   // null: no answer
+    QTest::addColumn<QString>("name");  // null: no answer
     QTest::addColumn<int>("megahertz"); // -1: no answer
     addIntelRows();
     addOtherRows();

@@ -138,8 +138,8 @@ QVector<machineFunction> disassemble(const QString &objectFile)
         } else if (row.contains(QLatin1String("R_X86_64_")) && !functions.isEmpty()) {
             addRelocation(functions.last(), row);
         } else if (const auto match = line.match(row); match.hasMatch() && !functions.isEmpty()) {
-            functions.last().code.append({match.captured(1).toULongLong(nullptr, 16),
-                                          match.captured(2), match.captured(3)});
+            functions.last().code.append(
+                {match.captured(1).toULongLong(nullptr, 16), match.captured(2), match.captured(3)});
         }
     }
     return functions;

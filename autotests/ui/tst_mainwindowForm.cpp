@@ -150,8 +150,7 @@ void tst_mainwindowForm::texts_data()
 void tst_mainwindowForm::texts()
 {
     QFETCH(QString, text);
-    const auto *widget =
-        window->findChild<QWidget *>(QString::fromLatin1(QTest::currentDataTag()));
+    const auto *widget = window->findChild<QWidget *>(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(widget);
     QCOMPARE(widget->property("text").toString(), text);
     if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
@@ -241,8 +240,7 @@ void tst_mainwindowForm::actions()
 {
     QFETCH(QString, text);
     QFETCH(bool, checkable);
-    const auto *action =
-        window->findChild<QAction *>(QString::fromLatin1(QTest::currentDataTag()));
+    const auto *action = window->findChild<QAction *>(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(action);
     QCOMPARE(action->text(), text);
     QCOMPARE(action->isCheckable(), checkable);
