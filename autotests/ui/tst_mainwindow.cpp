@@ -96,6 +96,7 @@ private slots:
     void closedBoxIsNo();
     void framesAreShownInAFullRun();
     void closeDuringAFullRun();
+    void closeDuringARunEndsTheProgram();
     void singleRunIsStopped();
     void singleRunUsesTheChoices();
     void displayDuringASingleRun();
@@ -231,6 +232,25 @@ void tst_mainwindow::closeDuringAFullRun()
     QVERIFY(f.newLog().contains(QStringLiteral("\nstopped by user ...\n Result: ")));
     QCOMPARE(f.newLog().count(QStringLiteral("stopped by user ...\n")), 2);
     QVERIFY(!f.events.contains(QStringLiteral("many.setup")));
+}
+
+void tst_mainwindow::closeDuringARunEndsTheProgram()
+{
+    windowFixture f;
+    f.fakes.at(0)->onRun = [&] {
+        briefly();
+        QTimer::singleShot(0, f.window.get(), &QWidget::close);
+    };
+    bool isInTime = true;
+    QTimer::singleShot(60'000, f.window.get(), [&] {
+        isInTime = false;
+        QApplication::exit(1);
+    });
+    QTimer::singleShot(0, f.button("singleTestButton"), &QPushButton::click);
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(isInTime);
+    QVERIFY(f.events.contains(QStringLiteral("one.run")));
+    QVERIFY(f.newLog().contains(QStringLiteral("stopped by user")));
 }
 
 void tst_mainwindow::singleRunIsStopped()
