@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "standaloneLoops.h"
 
-void standaloneMandel(std::uint32_t *frame, int width, int height, const std::uint32_t *palette,
+namespace
+{
+
+/// Not a local variable: OpenMP would copy it, and its division would leave the innermost loop.
+const volatile float zoom = 1;
+
+} // namespace
+
+void standaloneMandel(std::uint32_t *frame, int width, int height, const std::int32_t (*palette)[4],
                       bool multicore)
 {
-    const volatile float zoom = 1;
 #pragma omp parallel for schedule(dynamic, 1) if (multicore)
     for (int y = 0; y < height; ++y) {
         const float r = 1.0F / float(width);
@@ -23,7 +30,13 @@ void standaloneMandel(std::uint32_t *frame, int width, int height, const std::ui
                 if (a * a + b * b > 4.0F)
                     break;
             }
-            frame[static_cast<std::int64_t>(y) * width + x] = n < 64 ? palette[n] : 0xFF000000U;
+            std::uint32_t pixel = 0xFF000000U;
+            if (n < 64) {
+                pixel |= static_cast<std::uint32_t>(palette[n][1]) << 16;
+                pixel |= static_cast<std::uint32_t>(palette[n][2]) << 8;
+                pixel |= static_cast<std::uint32_t>(palette[n][3]);
+            }
+            frame[static_cast<std::int64_t>(y) * width + x] = pixel;
         }
     }
 }

@@ -24,7 +24,8 @@ public:
 
     bool setup(int newWidth, int newHeight) override
     {
-        if (!inner->setup(newWidth, newHeight) || !testBase::setup(1, 1))
+        // Our own frame first: its set-up releases everything.
+        if (!testBase::setup(1, 1) || !inner->setup(newWidth, newHeight))
             return false;
         nanoseconds = 0;
         runs = 0;

@@ -4,6 +4,7 @@
 #include <QIODevice>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <limits>
 
 namespace
@@ -41,7 +42,7 @@ void readToken(const QXmlStreamReader &xml, QVector<benchResults> &machines, int
     }
 }
 
-/// Reads the tokens that are complete. False if nothing after them is of interest.
+/// Reads the tokens that are complete. False at a fault.
 bool readTokens(QXmlStreamReader &xml, QVector<benchResults> &machines, int firstMachine,
                 int &depth)
 {
@@ -61,27 +62,42 @@ bool readTokens(QXmlStreamReader &xml, QVector<benchResults> &machines, int firs
             break;
         }
     }
-    // Any other error than the end of the line is a fault of the file.
-    return xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
+    // The end of the piece is an error to the XML reader, but no fault of the file.
+    return !xml.hasError() || xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
+}
+
+/// Reads @p content in pieces of at most @p pieceSize bytes, which end with a line if @p byLine.
+/// False at a fault.
+bool readPieces(const QByteArray &content, int pieceSize, bool byLine,
+                QVector<benchResults> &machines)
+{
+    const int firstMachine = machines.size();
+    int depth = 0;
+    QXmlStreamReader xml;
+    for (int start = 0; start < content.size();) {
+        const int lineEnd = byLine ? content.indexOf('\n', start) : -1;
+        const int rest = (lineEnd < 0 ? content.size() : lineEnd + 1) - start;
+        const int size = std::min(rest, pieceSize);
+        xml.addData(content.mid(start, size));
+        if (!readTokens(xml, machines, firstMachine, depth))
+            return false;
+        start += size;
+    }
+    return true;
 }
 
 } // namespace
 
 void readMachines(QIODevice &device, QVector<benchResults> &machines)
 {
-    // Line by line, since the XML reader gives nothing of a block in which it meets bytes that are
-    // not of the file's encoding.
-    constexpr qint64 longestLine = 4096;
+    constexpr int pieceSize = 64 * 1024;
+    constexpr int shortPieceSize = 4096;
     const int firstMachine = machines.size();
-    int depth = 0;
-    QXmlStreamReader xml;
-    for (qint64 size = 0; size < maximumXmlSize;) {
-        const QByteArray line = device.readLine(longestLine);
-        if (line.isEmpty())
-            return;
-        size += line.size();
-        xml.addData(line);
-        if (!readTokens(xml, machines, firstMachine, depth))
-            return;
-    }
+    const QByteArray content = device.read(maximumXmlSize);
+    if (readPieces(content, pieceSize, false, machines))
+        return;
+    // Of a piece with bytes that are not of the file's encoding, the XML reader gives nothing at
+    // all. In a faulty file, short pieces save what stands before such bytes.
+    machines.resize(firstMachine);
+    readPieces(content, shortPieceSize, true, machines);
 }
