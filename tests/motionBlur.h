@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/testBase.h"
+
+#include <QVector>
+
+/// 2000 small rectangles fly over the frame, and a five-tap filter smears it in place: each pixel
+/// takes in its left and upper neighbours as this pass has left them, which draws the trails.
+class motionBlur : public testBase
+{
+public:
+    /// @p mode chooses the arithmetic of the filter: 0 integer, 1 single, 2 double precision. The
+    /// frames are the same.
+    explicit motionBlur(quint32 mode);
+
+    bool setup(int width, int height) override;
+    QString getName() const override;
+    void preRun() override;
+    void run() override;
+    void postRun() override {}
+    float getWork() const override { return megapixels(); }
+    QString getUnit() const override { return QStringLiteral("MPixel"); }
+    bool isMulticore() const override { return false; }
+
+    /// Position in pixels, velocity in pixels per run.
+    struct rectangle {
+        float x;
+        float y;
+        float vx;
+        float vy;
+        quint32 colour;
+    };
+
+private:
+    void scatter();
+    void turnPhase();
+
+    quint32 arithmetic;
+    QVector<rectangle> rectangles;
+    /// The weight of the left neighbour, 0 to 128; the right one has the rest.
+    qint32 phase = 0;
+    qint32 phaseStep = 1;
+};
