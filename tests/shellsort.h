@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/testBase.h"
+#include "tests/tiledPicture.h"
+
+/// Sorts the pixels of a picture from dark to bright with Shell's sort, the same unsorted picture
+/// in each round.
+class shellsort : public testBase
+{
+public:
+    bool setup(int width, int height) override;
+    void release() override;
+    QString getName() const override { return QStringLiteral("shellsort"); }
+    void preRun() override;
+    void run() override;
+    void postRun() override;
+    float getWork() const override;
+    QString getUnit() const override { return QStringLiteral("MWords"); }
+    bool isMulticore() const override { return false; }
+
+    /// Sorts @p count pixels by the sum of their red, green and blue. Gaps halve, as Shell had them
+    /// (D. L. Shell, "A High-Speed Sorting Procedure", 1959).
+    static void sort(quint32 *words, quint32 count);
+
+private:
+    tiledPicture source;
+    workBuffer<quint32> work;
+};
