@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/zlib.h"
+
+#include "support/rounds.h"
+#include "support/tiles.h"
+
+#include <QtTest>
+
+#include <cstring>
+
+namespace
+{
+
+constexpr int side = 4 * 512;
+
+} // namespace
+
+class tst_zlib : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void reports();
+    void inputIsLongEnough();
+    void frames_data();
+    void frames();
+
+private:
+    frame plain;
+    QByteArray stream;
+    frame packed;
+};
+
+void tst_zlib::initTestCase()
+{
+    plain = tiledWords(4);
+    stream = qCompress(reinterpret_cast<const uchar *>(plain.data()), int(plain.size() * 4), 1);
+    packed.assign(2 * plain.size(), black);
+    std::memcpy(packed.data(), stream.constData(), std::size_t(stream.size()));
+}
+
+void tst_zlib::reports()
+{
+    zlib test;
+    QVERIFY(test.setup(10, 10));
+    QCOMPARE(test.getName(), QStringLiteral("zlib uncompress"));
+    QCOMPARE(test.getUnit(), QStringLiteral("MWords"));
+    QCOMPARE(test.getWork(), 4.194304F);
+    QVERIFY(!test.isMulticore());
+    QVERIFY(frameOf(test) == blackFrame(10, 10));
+    QVERIFY(!test.setup(10, 0));
+    QVERIFY(!test.getBuffer());
+}
+
+/// The decoder gets half as many bytes as the picture has; nothing may be cut off.
+void tst_zlib::inputIsLongEnough()
+{
+    QVERIFY(stream.size() < 2 * side * side);
+    const QByteArray input(reinterpret_cast<const char *>(packed.data()), 2 * side * side);
+    const QByteArray output = qUncompress(input);
+    QCOMPARE(output.size(), 4 * side * side);
+    QCOMPARE(std::memcmp(output.constData(), plain.data(), std::size_t(output.size())), 0);
+}
+
+void tst_zlib::frames_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    for (const frameSize &size : oddSizes)
+        QTest::addRow("%dx%d", size.width, size.height) << size.width << size.height;
+    QTest::addRow("wider and higher than the data") << side + 5 << side + 3;
+}
+
+/// The packed words as they are, alpha included, then the picture.
+void tst_zlib::frames()
+{
+    QFETCH(int, width);
+    QFETCH(int, height);
+    zlib test;
+    QVERIFY(test.setup(width, height));
+    runRounds(test, 1);
+    QVERIFY(frameOf(test) == window(packed, side, width, height));
+    runRounds(test, 1);
+    QVERIFY(frameOf(test) == window(plain, side, width, height));
+    runRounds(test, 1);
+    QVERIFY(frameOf(test) == window(packed, side, width, height));
+}
+
+QTEST_APPLESS_MAIN(tst_zlib)
+#include "tst_zlib.moc"
