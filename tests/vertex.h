@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/testBase.h"
+#include "tests/matrix.h"
+
+/// Turns, scales and projects 512 copies of a cloud of points, and draws the first copy as grey
+/// dots. The cloud turns a little before each run.
+class vertex : public testBase
+{
+public:
+    /// @p mode 1 spreads the copies over all OpenMP threads, 0 uses the calling thread alone.
+    explicit vertex(quint32 mode);
+
+    bool setup(int width, int height) override;
+    void release() override;
+    QString getName() const override;
+    void preRun() override;
+    void run() override;
+    void postRun() override;
+    float getWork() const override;
+    QString getUnit() const override { return QStringLiteral("MVertices"); }
+    bool isMulticore() const override { return multicore == 1; }
+
+    int getPointCount() const { return pointCount; }
+    int getCopies() const { return copies; }
+    /// The points of copy 0, then those of copy 1, and so on, or null when no set-up is active.
+    const vector4 *getTransformed() const { return transformed.data(); }
+
+    /// What happens to every point of a run.
+    struct transform {
+        matrix4 rotation;
+        vector4 translation;
+        matrix4 projection;
+    };
+
+private:
+    bool loadPoints();
+
+    quint32 multicore;
+    qint32 copies = 512;
+    qint32 pointCount = 0;
+    workBuffer<vector4> points;
+    workBuffer<vector4> transformed;
+    transform current = {};
+    float angleA = 0;
+    float angleB = 0;
+    float angleC = 0;
+};
