@@ -3,10 +3,7 @@
 
 #include <algorithm>
 
-codecTest::codecTest(quint32 tiles)
-    : tileCount(tiles)
-{
-}
+codecTest::codecTest(quint32 tiles) : tileCount(tiles) {}
 
 bool codecTest::setup(int newWidth, int newHeight)
 {

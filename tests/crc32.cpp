@@ -38,10 +38,7 @@ quint32 checksum(unsigned char *bytes, std::size_t size)
 
 } // namespace
 
-crc32::crc32(quint32 mode)
-    : multicore(mode)
-{
-}
+crc32::crc32(quint32 mode) : multicore(mode) {}
 
 bool crc32::setup(int newWidth, int newHeight)
 {

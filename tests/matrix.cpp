@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/matrix.h"
 
-#include <cmath>
+#include "tests/trigonometry.h"
 
 matrix4 product(const matrix4 &a, const matrix4 &b)
 {
@@ -17,22 +17,22 @@ matrix4 product(const matrix4 &a, const matrix4 &b)
 
 matrix4 rotationX(float angle)
 {
-    const float c = std::cos(angle);
-    const float s = std::sin(angle);
+    const float c = cosine(angle);
+    const float s = sine(angle);
     return {{{1, 0, 0, 0}, {0, c, -s, 0}, {0, s, c, 0}, {0, 0, 0, 1}}};
 }
 
 matrix4 rotationY(float angle)
 {
-    const float c = std::cos(angle);
-    const float s = std::sin(angle);
+    const float c = cosine(angle);
+    const float s = sine(angle);
     return {{{c, 0, s, 0}, {0, 1, 0, 0}, {-s, 0, c, 0}, {0, 0, 0, 1}}};
 }
 
 matrix4 rotationZ(float angle)
 {
-    const float c = std::cos(angle);
-    const float s = std::sin(angle);
+    const float c = cosine(angle);
+    const float s = sine(angle);
     return {{{c, -s, 0, 0}, {s, c, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
 }
 

@@ -16,9 +16,9 @@ constexpr int rectangleCount = 2000;
 /// The weights of the filter in the arithmetic of its mode. They add up to 255.
 template <typename number> struct tapWeights {
     explicit tapWeights(qint32 phase)
-        : left(static_cast<number>(phase))
-        , right(static_cast<number>(128 - phase))
-        , centre(static_cast<number>(159 - phase - (128 - phase)))
+        : left(static_cast<number>(phase)),
+          right(static_cast<number>(128 - phase)),
+          centre(static_cast<number>(159 - phase - (128 - phase)))
     {
     }
 
@@ -59,11 +59,11 @@ template <typename number>
 Q_ALWAYS_INLINE quint32 blend(const neighbourhood &pixels, const tapWeights<number> &weights,
                               int shift)
 {
-    return scaleDown(component<number>(pixels.left, shift) * weights.left +
-                     component<number>(pixels.right, shift) * weights.right +
-                     component<number>(pixels.centre, shift) * weights.centre +
-                     component<number>(pixels.above, shift) * weights.above +
-                     component<number>(pixels.below, shift) * weights.below);
+    return scaleDown(component<number>(pixels.left, shift) * weights.left
+                     + component<number>(pixels.right, shift) * weights.right
+                     + component<number>(pixels.centre, shift) * weights.centre
+                     + component<number>(pixels.above, shift) * weights.above
+                     + component<number>(pixels.below, shift) * weights.below);
 }
 
 /// One pass over the frame but for its border. The order of the pixels matters: see the class. A
@@ -87,16 +87,13 @@ Q_NEVER_INLINE void smear(quint32 *frame, int width, int height, qint32 phase)
 /// A velocity of at most 0.5 % of @p extent per run. It draws one random number.
 float randomVelocity(qint32 extent)
 {
-    return static_cast<float>(std::rand() % 1000 - 500) * 0.005F *
-           (static_cast<float>(extent) * 0.002F);
+    return static_cast<float>(std::rand() % 1000 - 500) * 0.005F
+           * (static_cast<float>(extent) * 0.002F);
 }
 
 } // namespace
 
-motionBlur::motionBlur(quint32 mode)
-    : arithmetic(mode)
-{
-}
+motionBlur::motionBlur(quint32 mode) : arithmetic(mode) {}
 
 bool motionBlur::setup(int newWidth, int newHeight)
 {

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/rle.h"
 
-rle::rle()
-    : codecTest(6)
-{
-}
+rle::rle() : codecTest(6) {}
 
 void rle::run()
 {

@@ -106,9 +106,9 @@ constexpr modeEntry modes[] = {
 } // namespace
 
 rotozoom::rotozoom(printHook *target, quint32 mode, std::unique_ptr<QByteArray> selection)
-    : testBase(target)
-    , coreSelection(std::move(selection))
-    , renderMode(mode)
+    : testBase(target),
+      coreSelection(std::move(selection)),
+      renderMode(mode)
 {
 }
 

@@ -60,10 +60,10 @@ private:
     Q_ALWAYS_INLINE static quint32 blend(const corners &weights, const quint32 (&texels)[4],
                                          int shift)
     {
-        return scaleDown(weights.w00 * component<number>(texels[0], shift) +
-                         weights.w10 * component<number>(texels[1], shift) +
-                         weights.w01 * component<number>(texels[2], shift) +
-                         weights.w11 * component<number>(texels[3], shift));
+        return scaleDown(weights.w00 * component<number>(texels[0], shift)
+                         + weights.w10 * component<number>(texels[1], shift)
+                         + weights.w01 * component<number>(texels[2], shift)
+                         + weights.w11 * component<number>(texels[3], shift));
     }
     Q_ALWAYS_INLINE static quint32 scaleDown(quint32 sum) { return sum >> 24; }
     Q_ALWAYS_INLINE static quint32 scaleDown(float sum)
@@ -88,8 +88,8 @@ template <typename number> struct lastPixelTexel {
 private:
     Q_ALWAYS_INLINE static quint32 blend(quint32 old, quint32 texel, int shift)
     {
-        return scaleDown(component<number>(texel, shift) +
-                         component<number>(old, shift) * number(7));
+        return scaleDown(component<number>(texel, shift)
+                         + component<number>(old, shift) * number(7));
     }
     Q_ALWAYS_INLINE static quint32 scaleDown(quint32 sum) { return sum >> 3; }
     Q_ALWAYS_INLINE static quint32 scaleDown(float sum)

@@ -13,9 +13,9 @@ void tileRow(quint32 *row, quint32 width, const QImage &picture, quint32 y)
 {
     const auto tile = static_cast<quint32>(picture.width());
     for (quint32 x = 0; x < width; ++x) {
-        row[x] = opaqueBlack |
-                 picture.pixel(static_cast<int>(x % tile),
-                               static_cast<int>(y % static_cast<quint32>(picture.height())));
+        row[x] = opaqueBlack
+                 | picture.pixel(static_cast<int>(x % tile),
+                                 static_cast<int>(y % static_cast<quint32>(picture.height())));
     }
 }
 

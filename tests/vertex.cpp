@@ -90,10 +90,7 @@ quint32 screenPosition(float v, float inverse, int extent)
 
 } // namespace
 
-vertex::vertex(quint32 mode)
-    : multicore(mode)
-{
-}
+vertex::vertex(quint32 mode) : multicore(mode) {}
 
 bool vertex::setup(int newWidth, int newHeight)
 {

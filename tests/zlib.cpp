@@ -5,10 +5,7 @@
 
 #include <algorithm>
 
-zlib::zlib()
-    : codecTest(4)
-{
-}
+zlib::zlib() : codecTest(4) {}
 
 void zlib::preRun()
 {

@@ -118,9 +118,9 @@ paint material::glow(point centre, qint64 radius, const colour &tint, qint64 opa
 }
 
 canvas::canvas(qint32 newSide)
-    : side(newSide)
-    , samples(static_cast<std::size_t>(newSide) * static_cast<std::size_t>(newSide) *
-              samplesPerPixel * samplesPerPixel)
+    : side(newSide),
+      samples(static_cast<std::size_t>(newSide) * static_cast<std::size_t>(newSide)
+              * samplesPerPixel * samplesPerPixel)
 {
 }
 

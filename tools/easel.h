@@ -10,11 +10,7 @@ namespace material
 class easel
 {
 public:
-    easel(canvas &picture, point newOrigin)
-        : target(picture)
-        , origin(newOrigin)
-    {
-    }
+    easel(canvas &picture, point newOrigin) : target(picture), origin(newOrigin) {}
 
     void fill(const shape &part, const paint &how)
     {

@@ -47,8 +47,8 @@ int main(int argc, char **argv)
         return directory.filePath(QString::fromLatin1(name));
     };
     const bool picturesWritten =
-        writePicture(path("pic4_512_512.png"), material::ornamentPicture()) &&
-        writePicture(path("pic2_512_512.png"), material::patchworkPicture());
+        writePicture(path("pic4_512_512.png"), material::ornamentPicture())
+        && writePicture(path("pic2_512_512.png"), material::patchworkPicture());
     const bool written =
         picturesWritten && writeText(path("wPoints.txt"), material::pointCloudText());
     return written ? 0 : 1;

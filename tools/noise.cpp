@@ -22,8 +22,8 @@ qint64 eased(qint64 share)
 // public domain).
 quint32 material::scattered(qint32 x, qint32 y, quint32 seed)
 {
-    quint32 h = static_cast<quint32>(x) * 0x9E3779B1U ^ static_cast<quint32>(y) * 0x85EBCA77U ^
-                seed * 0xC2B2AE3DU;
+    quint32 h = static_cast<quint32>(x) * 0x9E3779B1U ^ static_cast<quint32>(y) * 0x85EBCA77U
+                ^ seed * 0xC2B2AE3DU;
     h = (h ^ h >> 16) * 0x85EBCA6BU;
     h = (h ^ h >> 13) * 0xC2B2AE35U;
     return (h ^ h >> 16) & 0xFFFFU;

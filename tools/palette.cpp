@@ -156,8 +156,8 @@ bool shiftSum(channels &entry, qint64 by)
         shifted[k] += by > 0 ? 1 : -1;
         left -= by > 0 ? 1 : -1;
     }
-    if (*std::min_element(shifted.begin(), shifted.end()) < 0 ||
-        *std::max_element(shifted.begin(), shifted.end()) > 255)
+    if (*std::min_element(shifted.begin(), shifted.end()) < 0
+        || *std::max_element(shifted.begin(), shifted.end()) > 255)
         return false;
     entry = shifted;
     return true;

@@ -117,9 +117,8 @@ qint64 relief(const vector &point)
 QByteArray written(qint64 value)
 {
     const qint64 size = value < 0 ? -value : value;
-    return (value < 0 ? QByteArrayLiteral("-") : QByteArray()) +
-           QByteArray::number(size / decimals) + '.' +
-           QByteArray::number(size % decimals).rightJustified(4, '0');
+    return (value < 0 ? QByteArrayLiteral("-") : QByteArray()) + QByteArray::number(size / decimals)
+           + '.' + QByteArray::number(size % decimals).rightJustified(4, '0');
 }
 
 } // namespace
@@ -137,8 +136,8 @@ QByteArray material::pointCloudText()
         const auto coordinate = [&](std::size_t axis) {
             return roundedQuotient(point[axis] * height, length);
         };
-        text += written(coordinate(0)) + ' ' + written(coordinate(1)) + ' ' +
-                written(coordinate(2) + radius) + "\r\n";
+        text += written(coordinate(0)) + ' ' + written(coordinate(1)) + ' '
+                + written(coordinate(2) + radius) + "\r\n";
     }
     return text;
 }

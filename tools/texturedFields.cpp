@@ -28,8 +28,8 @@ void paintDune(easel &field, qint32 height, qint32 phase, const colour &lit, con
 {
     contour crest = {{edge, edge}, {0, edge}};
     for (qint32 x = 0; x <= edge; x += pixel)
-        crest.push_back({x, height + ripple(x + phase, edge * 5 / 4) * pixel * 9 / 256 +
-                                ripple(x * 2 + phase, edge) * pixel * 3 / 256});
+        crest.push_back({x, height + ripple(x + phase, edge * 5 / 4) * pixel * 9 / 256
+                                + ripple(x * 2 + phase, edge) * pixel * 3 / 256});
     field.fill({crest}, [=](point p, colour) {
         const qint32 bend = cloudNoise(p, 30 * pixel, 11) / 8 + p.x / 3;
         const qint32 depth = (p.y - height) * 256 / (50 * pixel);

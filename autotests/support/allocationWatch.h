@@ -10,11 +10,7 @@ public:
     static constexpr int never = -1;
 
     /// Allocation @p index, counted from 0, fails.
-    explicit allocationWatch(int index = never)
-        : failing(index)
-    {
-        workMemory::setObserver(this);
-    }
+    explicit allocationWatch(int index = never) : failing(index) { workMemory::setObserver(this); }
     allocationWatch(const allocationWatch &) = delete;
     allocationWatch &operator=(const allocationWatch &) = delete;
     ~allocationWatch() { workMemory::setObserver(nullptr); }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/mandel.h"
 
-#include "support/digest.h"
+#include "tests/knownFrames.h"
 
 #include <QtTest>
 
@@ -99,20 +99,20 @@ void tst_mandel::frames_data()
     QTest::addColumn<int>("runs");
     QTest::addColumn<QByteArray>("digest");
 
-    struct knownFrame {
+    struct smallFrame {
         int width;
         int height;
         int runs;
         const char *digest;
     };
-    const knownFrame frames[] = {
+    const smallFrame frames[] = {
         {97, 61, 1, "4a372deab0a7af305706064ac25ac55d0f9c6988"},
         {97, 61, 2, "59062498b6cff286722dc9620decb3c3c34ffe18"},
         {97, 61, 257, "4a372deab0a7af305706064ac25ac55d0f9c6988"},
         {1, 500, 3, "25ab1be29e23f3993d14285ab924406eb1c9eaf5"},
     };
     for (const quint32 mode : {0U, 1U}) {
-        for (const knownFrame &frame : frames) {
+        for (const smallFrame &frame : frames) {
             QTest::addRow("mode %u, %dx%d, run %d", mode, frame.width, frame.height, frame.runs)
                 << mode << frame.width << frame.height << frame.runs << QByteArray(frame.digest);
         }

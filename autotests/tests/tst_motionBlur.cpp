@@ -15,10 +15,7 @@ namespace
 class scene
 {
 public:
-    scene(int w, int h)
-        : width(w)
-        , height(h)
-        , pixels(blackFrame(w, h))
+    scene(int w, int h) : width(w), height(h), pixels(blackFrame(w, h))
     {
         for (int i = 0; i < 2000; ++i) {
             body b = {};
@@ -57,10 +54,10 @@ public:
             for (int x = 1; x + 1 < width; ++x) {
                 quint32 result = 0xFF;
                 for (int shift = 16; shift >= 0; shift -= 8) {
-                    const int sum = channel(x - 1, y, shift) * phase +
-                                    channel(x + 1, y, shift) * (128 - phase) +
-                                    channel(x, y, shift) * 31 + channel(x, y - 1, shift) * 64 +
-                                    channel(x, y + 1, shift) * 32;
+                    const int sum = channel(x - 1, y, shift) * phase
+                                    + channel(x + 1, y, shift) * (128 - phase)
+                                    + channel(x, y, shift) * 31 + channel(x, y - 1, shift) * 64
+                                    + channel(x, y + 1, shift) * 32;
                     result = result * 256 + quint32(sum / 256);
                 }
                 set(x, y, result);

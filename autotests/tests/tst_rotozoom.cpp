@@ -48,13 +48,13 @@ class animation
 {
 public:
     animation(quint32 m, int w, int h)
-        : mode(m)
-        , width(w)
-        , height(h)
-        , limit(512 * 4096.0 / w)
-        , zoom(limit)
-        , picture(QStringLiteral(":/data/pic4_512_512.png"))
-        , pixels(blackFrame(w, h))
+        : mode(m),
+          width(w),
+          height(h),
+          limit(512 * 4096.0 / w),
+          zoom(limit),
+          picture(QStringLiteral(":/data/pic4_512_512.png")),
+          pixels(blackFrame(w, h))
     {
     }
 

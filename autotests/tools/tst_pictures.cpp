@@ -37,8 +37,8 @@ std::vector<int> sumsOf(const QImage &picture)
 
 int difference(QRgb a, QRgb b)
 {
-    return std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) +
-           std::abs(qBlue(a) - qBlue(b));
+    return std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b))
+           + std::abs(qBlue(a) - qBlue(b));
 }
 
 /// The mean difference between column @p x and the one right of it, around the picture's end.
