@@ -26,12 +26,31 @@ QVector<machineFunction> functionsOf(const QString &name)
     return {};
 }
 
-QVector<instructions> innermostLoopsOf(const QString &name)
+/// The innermost loops of those functions of a workload whose name contains @p function.
+QVector<instructions> innermostLoopsOf(const QString &workload, const QString &function)
 {
     QVector<instructions> loops;
-    for (const machineFunction &function : functionsOf(name))
-        loops += innermostLoops(function);
+    for (const machineFunction &one : functionsOf(workload)) {
+        if (one.name.contains(function))
+            loops += innermostLoops(one);
+    }
     return loops;
+}
+
+/// How many calls of @p callee the functions have whose name contains @p function.
+int countCalls(const QString &workload, const QString &function, const QString &callee)
+{
+    const QRegularExpression target(QStringLiteral("[ <]%1[-+@>]").arg(callee));
+    int count = 0;
+    for (const machineFunction &one : functionsOf(workload)) {
+        if (!one.name.contains(function))
+            continue;
+        for (const instruction &i : one.code) {
+            if (i.mnemonic.startsWith(QLatin1String("call")) && i.operands.contains(target))
+                ++count;
+        }
+    }
+    return count;
 }
 
 QString textOf(const instructions &code)
@@ -40,6 +59,80 @@ QString textOf(const instructions &code)
     for (const instruction &one : code)
         text += one.mnemonic + QLatin1Char(' ') + one.operands + QLatin1Char('\n');
     return text;
+}
+
+/// How often a kind of instruction stands in a loop; -1 stands for any number of times.
+struct amount {
+    const char *mnemonics;
+    int least;
+    int most;
+};
+
+/// The innermost loop of a workload, known by having the first amount, must have the others too.
+struct kernel {
+    const char *workload;
+    const char *function;
+    QVector<amount> amounts;
+};
+
+const char *const conversions = "v?cvt.*";
+const char *const singles = "v?(add|sub|mul|div|sqrt)ss";
+const char *const doubles = "v?(add|sub|mul|div|sqrt)sd";
+
+const QVector<kernel> kernels = {
+    // Four products of z and two of c; the division of each iteration.
+    {"mandel", "", {{"v?mulss", 4, -1}, {"v?divss", 1, 1}, {"v?u?comiss", 1, 1}, {doubles, 0, 0}}},
+    // Per glow: both differences and their squares, a root, the scale, the light. With the vertical
+    // parts taken out of the loop there would be half as many.
+    {"colors",
+     "omp",
+     {{"v?sqrtss", 4, 4}, {"v?subss", 12, 12}, {"v?mulss", 12, 12}, {doubles, 0, 0}}},
+    // Eight steps per byte, and the byte itself; no carry-less multiplication.
+    {"crc32",
+     "omp",
+     {{"shr", 8, 8}, {"xor", 9, 9}, {"and", 8, 16}, {"neg", 8, 8}, {"pclmul.*|crc32.*", 0, 0}}},
+    // Both keys of a comparison: three bytes each, two additions each.
+    {"shellsort", "shellsort::sort", {{"movzbl", 6, 6}, {"add", 4, 4}}},
+    {"zlib", "zlib::run", {{"movzb.*|movb", 1, 1}, {"mov", 1, -1}, {"call.*", 0, 0}}},
+    // 16 products each for the rotation and the projection, four for the scale.
+    {"vertex", "omp", {{"v?mulss", 36, 36}, {"v?addss", 28, 28}, {doubles, 0, 0}}},
+    {"lines", "drawLine", {{"cmp", 4, 4}, {singles, 0, 0}, {doubles, 0, 0}}},
+    // Two innermost loops of the coder hold one pass over the words each; calls would be of memset
+    // and the like.
+    {"rle", "rle::encode", {{"cmp", 1, -1}, {"call.*|rep.*", 0, 0}}},
+    {"rle", "rle::decode", {{"cmp", 1, -1}, {"call.*|rep.*", 0, 0}}},
+    {"motionBlur",
+     "smear<unsigned int>",
+     {{"imul", 6, 6}, {conversions, 0, 0}, {singles, 0, 0}, {doubles, 0, 0}}},
+    {"motionBlur", "smear<float>", {{"v?mulss", 18, 18}, {"v?addss", 12, 12}, {doubles, 0, 0}}},
+    {"motionBlur", "smear<double>", {{"v?mulsd", 18, 18}, {"v?addsd", 12, 12}, {singles, 0, 0}}},
+    {"rotozoom", "renderRow<nearestTexel>", {{"imul", 1, -1}, {conversions, 0, 0}}},
+    {"rotozoom", "renderRowWide", {{"imul", 1, -1}, {conversions, 0, 0}}},
+    {"rotozoom", "renderRowDithered", {{"imul", 1, -1}, {conversions, 0, 0}}},
+    {"rotozoom",
+     "renderRow<linearTexel<unsigned int>",
+     {{"imul", 16, 20}, {conversions, 0, 0}, {singles, 0, 0}, {doubles, 0, 0}}},
+    {"rotozoom",
+     "renderRow<linearTexel<float>",
+     {{"v?mulss", 19, 19}, {"v?addss", 9, 9}, {doubles, 0, 0}}},
+    {"rotozoom",
+     "renderRow<linearTexel<double>",
+     {{"v?mulsd", 19, 19}, {"v?addsd", 9, 9}, {singles, 0, 0}}},
+    {"rotozoom",
+     "renderRow<lastPixelTexel<unsigned int>",
+     {{"imul", 1, -1}, {conversions, 0, 0}, {singles, 0, 0}, {doubles, 0, 0}}},
+    {"rotozoom",
+     "renderRow<lastPixelTexel<float>",
+     {{"v?mulss", 6, 6}, {"v?addss", 3, 3}, {doubles, 0, 0}}},
+    {"rotozoom",
+     "renderRow<lastPixelTexel<double>",
+     {{"v?mulsd", 6, 6}, {"v?addsd", 3, 3}, {singles, 0, 0}}},
+};
+
+bool has(const instructions &loop, const amount &wanted)
+{
+    const int count = countMnemonics(loop, QString::fromLatin1(wanted.mnemonics));
+    return count >= wanted.least && (wanted.most < 0 || count <= wanted.most);
 }
 
 } // namespace
@@ -51,13 +144,18 @@ class tst_machineCode : public QObject
 private slots:
     void nothingIsPacked_data();
     void nothingIsPacked();
-    void mandelDividesInItsInnermostLoop();
+    void workIsKept_data();
+    void workIsKept();
+    void linesDrawRandomNumbersInTheRun();
+    void crc32HasNoTable();
+    void zlibCopiesByteByByte();
 };
 
 void tst_machineCode::nothingIsPacked_data()
 {
     QTest::addColumn<QString>("workload");
-    for (const char *workload : {"mandel"})
+    for (const char *workload : {"mandel", "motionBlur", "lines", "rotozoom", "colors", "shellsort",
+                                 "rle", "vertex", "matrix", "zlib", "crc32", "codecTest"})
         QTest::newRow(workload) << QString::fromLatin1(workload);
 }
 
@@ -78,18 +176,60 @@ void tst_machineCode::nothingIsPacked()
     QVERIFY2(count > 50, "no machine code found");
 }
 
-void tst_machineCode::mandelDividesInItsInnermostLoop()
+void tst_machineCode::workIsKept_data()
 {
-    int kernels = 0;
-    for (const instructions &loop : innermostLoopsOf(QStringLiteral("mandel"))) {
-        // Three squares and products of z, twice the product, two scaled parts of c.
-        if (countMnemonics(loop, QStringLiteral("v?mulss")) < 4)
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < kernels.size(); ++i)
+        QTest::addRow("%s %s", kernels[i].workload, kernels[i].function) << i;
+}
+
+void tst_machineCode::workIsKept()
+{
+    QFETCH(int, index);
+    const kernel &wanted = kernels[index];
+    int found = 0;
+    for (const instructions &loop : innermostLoopsOf(QString::fromLatin1(wanted.workload),
+                                                     QString::fromLatin1(wanted.function))) {
+        if (!has(loop, wanted.amounts.first()))
             continue;
-        ++kernels;
-        QVERIFY2(countMnemonics(loop, QStringLiteral("v?divss")) == 1, qPrintable(textOf(loop)));
-        QVERIFY2(countMnemonics(loop, QStringLiteral("v?u?comiss")) == 1, qPrintable(textOf(loop)));
+        ++found;
+        for (const amount &one : wanted.amounts) {
+            QVERIFY2(has(loop, one), qPrintable(QString::fromLatin1(one.mnemonics)
+                                                + QLatin1Char('\n') + textOf(loop)));
+        }
     }
-    QVERIFY2(kernels >= 1, "the loop over the iterations was not found");
+    QVERIFY2(found > 0, "the loop was not found");
+}
+
+void tst_machineCode::linesDrawRandomNumbersInTheRun()
+{
+    const QString workload = QStringLiteral("lines");
+    const QString rand = QStringLiteral("rand");
+    // Two for the colour, and two for a point, in a function of their own or not.
+    const int direct = countCalls(workload, QStringLiteral("lines::run"), rand);
+    const int inPoints = countCalls(workload, QStringLiteral("lines::randomPoint"), rand);
+    const int points = countCalls(workload, QStringLiteral("lines::run"),
+                                  QStringLiteral("lines::randomPoint\\(\\) const"));
+    QVERIFY2(direct == 6 || (direct == 2 && inPoints == 2 && points == 2),
+             qPrintable(QStringLiteral("%1 %2 %3").arg(direct).arg(inPoints).arg(points)));
+    QCOMPARE(countCalls(workload, QStringLiteral("lines::setup"), rand), 0);
+}
+
+void tst_machineCode::crc32HasNoTable()
+{
+    for (const instructions &loop :
+         innermostLoopsOf(QStringLiteral("crc32"), QStringLiteral("omp"))) {
+        for (const instruction &one : loop)
+            QVERIFY2(!one.operands.contains(QLatin1String(",4)")), qPrintable(textOf(loop)));
+    }
+}
+
+void tst_machineCode::zlibCopiesByteByByte()
+{
+    for (const char *callee : {"memcpy", "memmove", "__memcpy_chk"})
+        QCOMPARE(countCalls(QStringLiteral("zlib"), QStringLiteral("zlib::run"),
+                            QString::fromLatin1(callee)),
+                 0);
 }
 
 QTEST_GUILESS_MAIN(tst_machineCode)
