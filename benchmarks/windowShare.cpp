@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// How much of a test's wall time in the window is spent in the test itself (preRun, run, postRun);
-// the rest is ours: repainting, events, bookkeeping. Also the time from start to shown window.
+// A full run in the window, with its throughputs, and for each test the rounds, the share of its
+// wall time in the test itself (preRun, run, postRun; the rest is ours: repainting, events,
+// bookkeeping) and the share in the timed run. Also the time from start to shown window and that of
+// the whole run.
 
 #include "engine/benchBase.h"
 #include "ui/displayWidget.h"
@@ -27,7 +29,8 @@ public:
         // Our own frame first: its set-up releases everything.
         if (!testBase::setup(1, 1) || !inner->setup(newWidth, newHeight))
             return false;
-        nanoseconds = 0;
+        inTest = 0;
+        inRun = 0;
         runs = 0;
         sinceSetup.start();
         return true;
@@ -35,9 +38,11 @@ public:
     void release() override
     {
         if (isSetup) {
-            const double share = 100.0 * double(nanoseconds) / double(sinceSetup.nsecsElapsed());
-            std::printf("%-36s %6d runs  %6.2f %% of the wall time in the test\n",
-                        qPrintable(getName()), runs, share);
+            const double percent = 100.0 / double(sinceSetup.nsecsElapsed());
+            std::printf("%-36s %9.3f M/s %6d rounds %7.2f %% in the test %7.2f %% in run\n",
+                        qPrintable(getName()), double(getWork()) * runs / (double(inRun) * 1e-9),
+                        runs, percent * double(inTest), percent * double(inRun));
+            std::fflush(stdout);
         }
         inner->release();
         testBase::release();
@@ -49,7 +54,9 @@ public:
     }
     void run() override
     {
+        const qint64 before = inTest;
         timed([this] { inner->run(); });
+        inRun += inTest - before;
         ++runs;
     }
     void postRun() override
@@ -68,12 +75,14 @@ private:
         QElapsedTimer timer;
         timer.start();
         step();
-        nanoseconds += timer.nsecsElapsed();
+        inTest += timer.nsecsElapsed();
     }
 
     std::unique_ptr<testBase> inner;
     QElapsedTimer sinceSetup;
-    qint64 nanoseconds = 0;
+    /// Nanoseconds.
+    qint64 inTest = 0;
+    qint64 inRun = 0;
     int runs = 0;
 };
 
@@ -119,6 +128,9 @@ int main(int argc, char *argv[])
     }
     shownFrames frames(window);
     benchBase runner(&window, nullptr, &frames, std::move(tests));
+    QElapsedTimer fullRun;
+    fullRun.start();
     runner.runBenchmark();
+    std::printf("full run: %.2f s\n", double(fullRun.elapsed()) * 1e-3);
     return 0;
 }
