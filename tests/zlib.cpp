@@ -26,10 +26,15 @@ void zlib::run()
     // end belongs to the work.
     const QByteArray input(reinterpret_cast<const char *>(packed.data()),
                            static_cast<int>(2 * source.getCount()));
-    const QByteArray plain = qUncompress(input);
+    unpack(reinterpret_cast<char *>(unpacked.data()), input);
+}
+
+void zlib::unpack(char *out, const QByteArray &packedBytes)
+{
+    const QByteArray plain = qUncompress(packedBytes);
     // Volatile, because this has to stay a copy byte by byte: a compiler may otherwise make one
     // call of it that moves the whole block.
-    volatile char *out = reinterpret_cast<char *>(unpacked.data());
+    volatile char *bytes = out;
     for (int i = 0; i < plain.size(); ++i)
-        out[i] = plain.at(i);
+        bytes[i] = plain.at(i);
 }

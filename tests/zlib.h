@@ -3,6 +3,8 @@
 
 #include "tests/codecTest.h"
 
+#include <QByteArray>
+
 /// Decompresses a large tiled picture, which is compressed afresh before each timed run.
 class zlib : public codecTest
 {
@@ -13,4 +15,8 @@ public:
     void preRun() override;
     void run() override;
     float getWork() const override { return megawords(); }
+
+    /// Decompresses @p packedBytes, a big-endian length of four bytes and a zlib stream (RFC 1950),
+    /// and copies the result to @p out. Nothing is copied if it cannot be decompressed.
+    static void unpack(char *out, const QByteArray &packedBytes);
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/mandel.h"
 
+#include "support/rounds.h"
 #include "tests/knownFrames.h"
 
 #include <QtTest>
@@ -44,15 +45,6 @@ std::vector<quint32> expectedFrame(int width, int height, int runs)
         }
     }
     return frame;
-}
-
-void run(mandel &test, int times)
-{
-    for (int i = 0; i < times; ++i) {
-        test.preRun();
-        test.run();
-        test.postRun();
-    }
 }
 
 } // namespace
@@ -112,9 +104,9 @@ void tst_mandel::frames_data()
         {1, 500, 3, "25ab1be29e23f3993d14285ab924406eb1c9eaf5"},
     };
     for (const quint32 mode : {0U, 1U}) {
-        for (const smallFrame &frame : frames) {
-            QTest::addRow("mode %u, %dx%d, run %d", mode, frame.width, frame.height, frame.runs)
-                << mode << frame.width << frame.height << frame.runs << QByteArray(frame.digest);
+        for (const smallFrame &small : frames) {
+            QTest::addRow("mode %u, %dx%d, run %d", mode, small.width, small.height, small.runs)
+                << mode << small.width << small.height << small.runs << QByteArray(small.digest);
         }
     }
 }
@@ -129,7 +121,7 @@ void tst_mandel::frames()
 
     mandel test(mode);
     QVERIFY(test.setup(width, height));
-    run(test, runs);
+    runRounds(test, runs);
 
     const std::vector<quint32> expected = expectedFrame(width, height, runs);
     QVERIFY(std::equal(expected.begin(), expected.end(), test.getBuffer()));
@@ -141,7 +133,7 @@ void tst_mandel::oneByOne()
     mandel test(0);
     QVERIFY(test.setup(1, 1));
     QCOMPARE(test.getBuffer()[0], 0xFF000000U);
-    run(test, 1);
+    runRounds(test, 1);
     // c = (-2, -1.25) escapes at once, and the palette has turned by one entry.
     QCOMPARE(test.getBuffer()[0], freshPaletteEntry(2));
 }
@@ -151,7 +143,7 @@ void tst_mandel::insideStaysBlack()
     mandel test(0);
     QVERIFY(test.setup(50, 50));
     for (int i = 0; i < 5; ++i) {
-        run(test, 1);
+        runRounds(test, 1);
         QCOMPARE(test.getBuffer()[25 * 50 + 40], 0xFF000000U); // c = (0, 0)
     }
 }
@@ -160,11 +152,11 @@ void tst_mandel::paletteReturnsAfter256Runs()
 {
     mandel test(0);
     QVERIFY(test.setup(32, 32));
-    run(test, 1);
+    runRounds(test, 1);
     const QByteArray first = digestOf(test);
-    run(test, 1);
+    runRounds(test, 1);
     QVERIFY(digestOf(test) != first);
-    run(test, 255);
+    runRounds(test, 255);
     QCOMPARE(digestOf(test), first);
 }
 
@@ -174,7 +166,7 @@ void tst_mandel::redWraps()
     QVERIFY(test.setup(1, 1));
     // The pixel shows entry 1 of the turned palette: after 32 runs the fresh entry 33, whose red is
     // 132 + 128 = 260.
-    run(test, 32);
+    runRounds(test, 32);
     QCOMPARE(test.getBuffer()[0] >> 16 & 0xFFU, 4U);
     QCOMPARE(test.getBuffer()[0] >> 24, 255U);
 }
@@ -183,13 +175,13 @@ void tst_mandel::setupRestartsThePalette()
 {
     mandel test(0);
     QVERIFY(test.setup(20, 10));
-    run(test, 1);
+    runRounds(test, 1);
     const QByteArray first = digestOf(test);
-    run(test, 6);
+    runRounds(test, 6);
     QVERIFY(test.setup(20, 10));
     for (int i = 0; i < 200; ++i)
         QCOMPARE(test.getBuffer()[i], 0xFF000000U);
-    run(test, 1);
+    runRounds(test, 1);
     QCOMPARE(digestOf(test), first);
 }
 

@@ -23,6 +23,8 @@ private slots:
     void initTestCase();
     void reports();
     void inputIsLongEnough();
+    void unpack_data();
+    void unpack();
     void frames_data();
     void frames();
 
@@ -54,6 +56,29 @@ void tst_zlib::reports()
 }
 
 /// The decoder gets half as many bytes as the picture has; nothing may be cut off.
+void tst_zlib::unpack_data()
+{
+    QTest::addColumn<QByteArray>("packedBytes");
+    QTest::addColumn<QByteArray>("copied");
+    const QByteArray text("abcabcabc");
+    const QByteArray packedText = qCompress(text, 1);
+    QTest::newRow("whole") << packedText << text;
+    QTest::newRow("followed by filler") << packedText + QByteArray(100, '\xff') << text;
+    QTest::newRow("cut off") << packedText.left(packedText.size() / 2) << QByteArray();
+    QTest::newRow("empty") << QByteArray() << QByteArray();
+    QTest::newRow("no stream") << QByteArray("\0\0\0\x09none", 8) << QByteArray();
+    QTest::newRow("packed nothing") << qCompress(QByteArray(), 1) << QByteArray();
+}
+
+void tst_zlib::unpack()
+{
+    QFETCH(QByteArray, packedBytes);
+    QFETCH(QByteArray, copied);
+    QByteArray out(32, '.');
+    zlib::unpack(out.data(), packedBytes);
+    QCOMPARE(out, copied + QByteArray(32 - copied.size(), '.'));
+}
+
 void tst_zlib::inputIsLongEnough()
 {
     QVERIFY(stream.size() < 2 * side * side);
