@@ -1,11 +1,47 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 // Plain functions that do the work of the workloads' timed runs and nothing else: what the
-// workloads are measured against, to see that the classes around the loops cost nothing.
+// workloads are measured against, to see that the classes around the loops cost nothing. They are
+// written independently of the workloads, and are to stay so.
+//
+// A frame is width x height pixels 0xAARRGGBB, row by row. With multicore, the rows (or chunks, or
+// copies) are spread over all OpenMP threads.
+
+/// How a pixel of the rotozoom test is made of texels.
+enum class texelRule { nearest, dithered, linear, lastPixel };
+
+/// The animation of the rotozoom test: zoom in 1/4096 texel per pixel, angle in radians.
+struct rotozoomMotion {
+    double zoom;
+    double zoomStep;
+    double angle;
+    double angleStep;
+};
+
+/// Moves on by one frame and renders it. The texture is 512 x 512 texels.
+void standaloneRotozoom(std::uint32_t *frame, int width, int height, const std::uint32_t *texture,
+                        std::uint32_t textureWidth, rotozoomMotion &motion, texelRule rule,
+                        bool multicore);
 
 /// Renders one frame of the Mandelbrot test; @p palette has 256 entries of alpha, red, green, blue.
 void standaloneMandel(std::uint32_t *frame, int width, int height, const std::int32_t (*palette)[4],
                       bool multicore);
+
+/// Draws the square root of @p lineCount fans of as many lines, at random.
+void standaloneLines(std::uint32_t *frame, int width, int height, int lineCount);
+
+/// The weight of the left neighbour in the motion blur test, and how it changes per run.
+struct blurPhase {
+    std::int32_t weight;
+    std::int32_t step;
+};
+
+/// Turns the phase and smears the frame in place, in integers.
+void standaloneMotionBlur(std::uint32_t *frame, int width, int height, blurPhase &phase);
+
+/// Moves @p time on by one frame and renders the light of the four glows.
+void standaloneColors(std::uint32_t *frame, int width, int height, float &time, bool multicore);
