@@ -45,3 +45,34 @@ void standaloneMotionBlur(std::uint32_t *frame, int width, int height, blurPhase
 
 /// Moves @p time on by one frame and renders the light of the four glows.
 void standaloneColors(std::uint32_t *frame, int width, int height, float &time, bool multicore);
+
+/// Sorts pixels by the sum of red, green and blue, with halving gaps.
+void standaloneShellSort(std::uint32_t *words, std::uint32_t count);
+
+/// Encodes @p count words and decodes them again; the marker is 0.
+void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::uint32_t *source,
+                   std::size_t count);
+
+/// Decompresses @p packedBytes bytes, a stream and its filler, and copies the result byte by byte.
+void standaloneZlib(void *unpacked, const void *packed, int packedBytes);
+
+/// The checksums of as many chunks as there are threads, each written over a word of the frame.
+void standaloneCrc32(std::uint32_t *frame, int width, int height, bool multicore);
+
+struct point4 {
+    float x;
+    float y;
+    float z;
+    float w;
+};
+
+/// What happens to every point of the vertex test; matrices as four rows.
+struct pointTransform {
+    point4 rotation[4];
+    point4 translation;
+    point4 projection[4];
+};
+
+/// Transforms @p copies copies of @p count points, each copy at its own scale.
+void standaloneVertex(point4 *transformed, const point4 *points, int count, int copies,
+                      const pointTransform &by, bool multicore);
