@@ -3,18 +3,42 @@
 // Throughput of each workload at the standard resolution, beside a plain loop that does the same.
 // Compare within one run, with --benchmark_enable_random_interleaving=true and some repetitions.
 
-#include "standaloneLoops.h"
+#include "plainLoops.h"
 #include "tests/suite.h"
 
 #include <benchmark/benchmark.h>
 
-#include <vector>
-
 namespace
 {
 
-constexpr int width = 3820;
-constexpr int height = 2160;
+struct plainLoopEntry {
+    /// The name of the test, as it is.
+    const char *name;
+    plainLoop (*setup)();
+};
+
+const plainLoopEntry loops[] = {
+    {"rotozoom 'dithered'", [] { return plainLoops::rotozoom(texelRule::dithered, false); }},
+    {"rotozoom 'linear'", [] { return plainLoops::rotozoom(texelRule::linear, false); }},
+    {"rotozoom 'linear (multicore)'", [] { return plainLoops::rotozoom(texelRule::linear, true); }},
+    {"rotozoom 'last pixel'", [] { return plainLoops::rotozoom(texelRule::lastPixel, false); }},
+    {"rotozoom 'last pixel (multicore)'",
+     [] { return plainLoops::rotozoom(texelRule::lastPixel, true); }},
+    {"mandel", [] { return plainLoops::mandel(false); }},
+    {"mandel (multicore)", [] { return plainLoops::mandel(true); }},
+    {"lines", plainLoops::lines},
+    {"motion blur", plainLoops::motionBlur},
+    {"shellsort", plainLoops::shellSort},
+    {"rle compress/uncompress", plainLoops::rle},
+    {"zlib uncompress", plainLoops::zlib},
+    {"colors ", [] { return plainLoops::colors(false); }},
+    {"colors  (multicore)", [] { return plainLoops::colors(true); }},
+    {"crc32 bitwise", [] { return plainLoops::crc32(false); }},
+    {"crc32 bitwise (multicore)", [] { return plainLoops::crc32(true); }},
+    {"vertex", [] { return plainLoops::vertex(false); }},
+    {"vertex (multicore)", [] { return plainLoops::vertex(true); }},
+    {"rotozoom 'no'", [] { return plainLoops::rotozoom(texelRule::nearest, false); }},
+};
 
 void addThroughput(benchmark::State &state, double work)
 {
@@ -24,7 +48,7 @@ void addThroughput(benchmark::State &state, double work)
 
 void benchTest(benchmark::State &state, testBase *test)
 {
-    if (!test->setup(width, height)) {
+    if (!test->setup(plainLoops::width, plainLoops::height)) {
         state.SkipWithError("the test cannot be set up");
         return;
     }
@@ -41,21 +65,27 @@ void benchTest(benchmark::State &state, testBase *test)
     test->release();
 }
 
-void benchStandaloneMandel(benchmark::State &state, bool multicore)
+void benchPlainLoop(benchmark::State &state, plainLoop (*setup)())
 {
-    std::vector<std::uint32_t> frame(static_cast<std::size_t>(width) * height);
-    static const std::int32_t palette[256][4] = {};
-    for ([[maybe_unused]] auto _ : state) {
-        standaloneMandel(frame.data(), width, height, palette, multicore);
-        benchmark::ClobberMemory();
+    const plainLoop loop = setup();
+    if (!loop.run) {
+        state.SkipWithError("the plain loop cannot be set up");
+        return;
     }
-    addThroughput(state, width * height * 1e-6);
+    for ([[maybe_unused]] auto _ : state) {
+        state.PauseTiming();
+        if (loop.prepare)
+            loop.prepare();
+        state.ResumeTiming();
+        loop.run();
+    }
+    addThroughput(state, loop.work);
 }
 
-template <typename Function, typename... Arguments>
-void add(const QString &name, Function function, Arguments... arguments)
+template <typename Function, typename Argument>
+void add(const QString &name, Function function, Argument argument)
 {
-    benchmark::RegisterBenchmark(name.toUtf8().constData(), function, arguments...)
+    benchmark::RegisterBenchmark(name.toUtf8().constData(), function, argument)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
 }
@@ -67,8 +97,8 @@ int main(int argc, char **argv)
     const suite tests = makeSuite(nullptr);
     for (const auto &test : tests)
         add(test->getName(), benchTest, test.get());
-    add(QStringLiteral("mandel, plain loop"), benchStandaloneMandel, false);
-    add(QStringLiteral("mandel (multicore), plain loop"), benchStandaloneMandel, true);
+    for (const plainLoopEntry &loop : loops)
+        add(QLatin1String(loop.name) + QLatin1String(", plain loop"), benchPlainLoop, loop.setup);
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
