@@ -20,9 +20,9 @@ texturePoint rowStart(const view &frame, int y)
     return {frame.start.u + row * frame.perRow.u, frame.start.v + row * frame.perRow.v};
 }
 
-template <typename rule> void renderRow(const view &frame, quint32 *pixels, int width, int y)
+template <typename rule>
+void renderRow(quint32 *pixels, int width, int y, textureView texture, const view &frame)
 {
-    const textureView texture = frame.texture;
     const texturePoint step = frame.alongRow;
     texturePoint at = rowStart(frame, y);
     for (int x = 0; x < width; ++x) {
@@ -33,9 +33,8 @@ template <typename rule> void renderRow(const view &frame, quint32 *pixels, int 
 }
 
 /// Nearest texels, four pixels to the step, and those that are left at the end one by one.
-void renderRowWide(const view &frame, quint32 *pixels, int width, int y)
+void renderRowWide(quint32 *pixels, int width, int y, textureView texture, const view &frame)
 {
-    const textureView texture = frame.texture;
     const texturePoint step = frame.alongRow;
     texturePoint at = rowStart(frame, y);
     int x = 0;
@@ -55,27 +54,25 @@ void renderRowWide(const view &frame, quint32 *pixels, int width, int y)
 }
 
 /// Nearest texels at points that are moved by the parity of the pixel's row and column.
-void renderRowDithered(const view &frame, quint32 *pixels, int width, int y)
+void renderRowDithered(quint32 *pixels, int width, int y, textureView texture, const view &frame)
 {
-    static constexpr texturePoint offsets[] = {{1024, 0}, {2048, 3072}, {3072, 2048}, {0, 1024}};
-    const textureView texture = frame.texture;
+    static constexpr quint32 uOffsets[2][2] = {{1024, 2048}, {3072, 0}};
+    static constexpr quint32 vOffsets[2][2] = {{0, 3072}, {2048, 1024}};
     const texturePoint step = frame.alongRow;
-    const texturePoint *rowOffsets = offsets + 2 * (y & 1);
     texturePoint at = rowStart(frame, y);
     for (int x = 0; x < width; ++x) {
-        const texturePoint offset = rowOffsets[x & 1];
-        pixels[x] = texture.at(at.u + offset.u, at.v + offset.v);
+        pixels[x] = texture.at(at.u + uOffsets[y & 1][x & 1], at.v + vOffsets[y & 1][x & 1]);
         at.u += step.u;
         at.v += step.v;
     }
 }
 
 /// Linear where this thread is selected, red elsewhere.
-void renderRowSelected(const view &frame, quint32 *pixels, int width, int y)
+void renderRowSelected(quint32 *pixels, int width, int y, textureView texture, const view &frame)
 {
     const int thread = omp_get_thread_num();
     if (frame.selection && thread < frame.selection->size() && frame.selection->at(thread) != 0)
-        renderRow<linearTexel<quint32>>(frame, pixels, width, y);
+        renderRow<linearTexel<quint32>>(pixels, width, y, texture, frame);
     else
         std::fill_n(pixels, width, 0xFFFF0000U);
 }
@@ -83,7 +80,7 @@ void renderRowSelected(const view &frame, quint32 *pixels, int width, int y)
 struct modeEntry {
     const char *name;
     bool allThreads;
-    void (*render)(const view &frame, quint32 *pixels, int width, int y);
+    void (*render)(quint32 *pixels, int width, int y, textureView texture, const view &frame);
 };
 
 constexpr modeEntry modes[] = {
@@ -155,7 +152,7 @@ void rotozoom::run()
     const int rows = height;
 #pragma omp parallel for schedule(static) if (mode.allThreads)
     for (int y = 0; y < rows; ++y)
-        mode.render(frame, row(y), width, y);
+        mode.render(row(y), width, y, frame.texture, frame);
 }
 
 /// One picture width across the frame.
