@@ -200,7 +200,7 @@ plainLoop plainLoops::rle()
     return {data->source->getCount() * 2e-6, [=] { data->renewBuffers(); },
             [=] {
                 standaloneRle(data->unpacked.data(), data->packed.data(), data->source->data(),
-                              data->source->getCount());
+                              data->source->getCount(), 0);
             }};
 }
 

@@ -40,15 +40,15 @@ void standaloneShellSort(std::uint32_t *words, std::uint32_t count)
 }
 
 void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::uint32_t *source,
-                   std::size_t count)
+                   std::size_t count, std::uint32_t marker)
 {
     std::size_t length = 0;
     for (std::size_t i = 0; i < count;) {
         const std::uint32_t word = source[i];
-        if (word == 0) {
-            packed[length++] = 0;
+        if (word == marker) {
+            packed[length++] = marker;
             packed[length++] = 1;
-            packed[length++] = 0;
+            packed[length++] = marker;
             ++i;
             continue;
         }
@@ -60,7 +60,7 @@ void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::ui
             ++i;
             continue;
         }
-        packed[length++] = 0;
+        packed[length++] = marker;
         packed[length++] = static_cast<std::uint32_t>(run - 1);
         packed[length++] = word;
         i += run;
@@ -69,7 +69,7 @@ void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::ui
     std::size_t out = 0;
     std::size_t in = 0;
     while (in < length) {
-        if (packed[in] != 0 || in + 2 >= length) {
+        if (packed[in] != marker || in + 2 >= length) {
             unpacked[out++] = packed[in++];
             continue;
         }

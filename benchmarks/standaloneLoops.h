@@ -49,9 +49,9 @@ void standaloneColors(std::uint32_t *frame, int width, int height, float &time, 
 /// Sorts pixels by the sum of red, green and blue, with halving gaps.
 void standaloneShellSort(std::uint32_t *words, std::uint32_t count);
 
-/// Encodes @p count words and decodes them again; the marker is 0.
+/// Encodes @p count words and decodes them again, around @p marker.
 void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::uint32_t *source,
-                   std::size_t count);
+                   std::size_t count, std::uint32_t marker);
 
 /// Decompresses @p packedBytes bytes, a stream and its filler, and copies the result byte by byte.
 void standaloneZlib(void *unpacked, const void *packed, int packedBytes);

@@ -17,7 +17,6 @@ std::size_t rle::encode(quint32 *out, const quint32 *in, std::size_t length, qui
     std::size_t o = 0;
     while (i < length) {
         const quint32 word = in[i];
-        std::size_t run = 1;
         if (word == marker) {
             out[o++] = marker;
             out[o++] = 1;
@@ -25,17 +24,18 @@ std::size_t rle::encode(quint32 *out, const quint32 *in, std::size_t length, qui
             ++i;
             continue;
         }
+        std::size_t run = 1;
         while (i + run < length && in[i + run] == word)
             ++run;
-        if (run >= 3) {
-            out[o++] = marker;
-            out[o++] = static_cast<quint32>(run - 1);
-            out[o++] = word;
-            i += run;
-        } else {
+        if (run < 3) {
             out[o++] = word;
             ++i;
+            continue;
         }
+        out[o++] = marker;
+        out[o++] = static_cast<quint32>(run - 1);
+        out[o++] = word;
+        i += run;
     }
     return o;
 }
@@ -44,15 +44,13 @@ void rle::decode(quint32 *out, const quint32 *in, std::size_t length, quint32 ma
 {
     std::size_t o = 0;
     for (std::size_t i = 0; i < length;) {
-        const quint32 word = in[i];
-        if (word == marker && i + 2 < length) {
-            const quint32 run = in[i + 1] + 1;
-            for (quint32 k = 0; k < run; ++k)
-                out[o++] = in[i + 2];
-            i += 3;
-        } else {
-            out[o++] = word;
-            ++i;
+        if (in[i] != marker || i + 2 >= length) {
+            out[o++] = in[i++];
+            continue;
         }
+        const quint32 run = in[i + 1] + 1;
+        for (quint32 k = 0; k < run; ++k)
+            out[o++] = in[i + 2];
+        i += 3;
     }
 }
