@@ -5,7 +5,8 @@
 #include "ui/displayWidget.h"
 #include "ui_mainwindow.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QFontInfo>
 #include <QMessageBox>
 #include <QTextCursor>
 
@@ -39,8 +40,13 @@ void MainWindow::fillChoosers()
 void MainWindow::addDisplay()
 {
     display = new displayWidget(this);
-    // The window's own font has one point; without a font of its own the display would inherit it.
-    display->setFont(QFont(QApplication::font().family(), 11));
+    // The window's own font has one point, which the display would inherit; set one by one, family
+    // and size of the platform's font stay its own.
+    const QFontInfo platform(QApplication::font());
+    QFont font;
+    font.setFamily(platform.family());
+    font.setPointSizeF(platform.pointSizeF());
+    display->setFont(font);
     display->setMinimumSize(10, 10);
     display->hide();
     ui->gridLayout->addWidget(display, 0, 0);

@@ -47,6 +47,21 @@ flow flowOf(const instructions &code)
     return result;
 }
 
+/// What the entry of the function leads to. The rest is padding between blocks.
+QBitArray reachable(const flow &graph)
+{
+    QBitArray reached(graph.successors.size());
+    QVector<int> open{0};
+    while (!open.isEmpty()) {
+        const int i = open.takeLast();
+        if (reached.testBit(i))
+            continue;
+        reached.setBit(i);
+        open += graph.successors[i];
+    }
+    return reached;
+}
+
 /// For each instruction, those that every way from the function's entry to it passes through.
 QVector<QBitArray> dominatorsOf(const flow &graph)
 {
@@ -89,12 +104,12 @@ QHash<int, QBitArray> loopsOf(const flow &graph)
 {
     const int size = graph.successors.size();
     const QVector<QBitArray> dominators = dominatorsOf(graph);
+    const QBitArray reached = reachable(graph);
     QHash<int, QBitArray> loops;
     for (int last = 0; last < size; ++last) {
         for (const int header : graph.successors[last]) {
             // Unreachable code seems to be dominated by everything.
-            const bool isReachable = last == 0 || !graph.predecessors[last].isEmpty();
-            if (!isReachable || !dominators[last].testBit(header))
+            if (!reached.testBit(last) || !dominators[last].testBit(header))
                 continue;
             QBitArray &body = loops[header];
             if (body.isEmpty()) {
