@@ -40,11 +40,11 @@ QVector<vector4> readPoints(QTextStream &text)
     }
 }
 
-matrix4 projectionOf(int width, int height)
+frustum extentsOf(int width, int height)
 {
     const float top = halfView * nearPlane;
     const float right = static_cast<float>(width) / static_cast<float>(height) * top;
-    return projection({-right, right, -top, top, nearPlane, farPlane});
+    return {-right, right, -top, top, nearPlane, farPlane};
 }
 
 /// The scale of the next copy. All threads read it and count it down unsynchronised: which copy
@@ -101,7 +101,10 @@ bool vertex::setup(int newWidth, int newHeight)
         release();
         return false;
     }
-    current.projection = projectionOf(width, height);
+    fieldOfView = 60;
+    extents = extentsOf(width, height);
+    unusedTop = extents.top;
+    current.projection = projection(extents);
     angleA = 0;
     angleB = 0;
     return true;

@@ -43,6 +43,10 @@ private:
     workBuffer<vector4> points;
     workBuffer<vector4> transformed;
     transform current = {};
+    /// In degrees; kept beside the extents, which are made from its tangent, and read by nothing.
+    float fieldOfView = 0;
+    frustum extents = {};
+    float unusedTop = 0;
     float angleA = 0;
     float angleB = 0;
     float angleC = 0;
