@@ -3,6 +3,7 @@
 
 #include <QIODevice>
 #include <QXmlStreamReader>
+#include <QXmlStreamWriter>
 
 #include <algorithm>
 #include <limits>
@@ -86,6 +87,34 @@ bool readPieces(const QByteArray &content, int pieceSize, bool byLine,
     return true;
 }
 
+/// A clock as a whole number, from a float that may be anything.
+quint64 wholeHertz(float clock)
+{
+    constexpr float limit = 1.8e19F; // just below what fits
+    return clock > 0.0F ? static_cast<quint64>(std::min(clock, limit)) : 0;
+}
+
+/// A reader would stop at a character that XML does not allow, and lose all that follows.
+QString xmlText(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const bool isPair =
+            c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+        const bool isWhiteSpace =
+            c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
+        if (isPair)
+            result.append(c).append(text.at(++i));
+        else if ((c < QLatin1Char(' ') && !isWhiteSpace) || c.isSurrogate() || c >= QChar(0xFFFE))
+            result.append(QChar(QChar::ReplacementCharacter));
+        else
+            result.append(c);
+    }
+    return result;
+}
+
 } // namespace
 
 void readMachines(QIODevice &device, QVector<benchResults> &machines)
@@ -100,4 +129,24 @@ void readMachines(QIODevice &device, QVector<benchResults> &machines)
     // all. In a faulty file, short pieces save what stands before such bytes.
     machines.resize(firstMachine);
     readPieces(content, shortPieceSize, true, machines);
+}
+
+void writeMachine(QXmlStreamWriter &xml, const benchResults &machine)
+{
+    const auto attribute = [&xml](const char *name, const QString &value) {
+        xml.writeAttribute(QString::fromLatin1(name), xmlText(value));
+    };
+    xml.writeStartElement(QStringLiteral("bench"));
+    attribute("machineName", machine.getName());
+    attribute("os", machine.getOs());
+    attribute("cpu", machine.getCpu());
+    attribute("clock", QString::number(wholeHertz(machine.getFrequency())));
+    attribute("threadCount", QString::number(machine.getThreads()));
+    const QMap<QString, benchResults::test> &tests = machine.getTests();
+    for (auto test = tests.begin(); test != tests.end(); ++test) {
+        xml.writeEmptyElement(QStringLiteral("test"));
+        attribute("name", test.key());
+        attribute("result", QStringLiteral("%1").arg(static_cast<double>(test->value)));
+    }
+    xml.writeEndElement();
 }

@@ -6,6 +6,7 @@
 #include <QVector>
 
 class QIODevice;
+class QXmlStreamWriter;
 
 /// At most this many bytes of one file are read. A list of all known machines takes a hundredth of
 /// it; the limit bounds the memory that a damaged or hostile file can ask for.
@@ -19,3 +20,8 @@ constexpr qint64 maximumXmlSize = 16 * 1024 * 1024;
 /// before the first machine, are ignored. @p device must be open for reading. Reading stops at the
 /// first fault; what came before it is kept.
 void readMachines(QIODevice &device, QVector<benchResults> &machines);
+
+/// Writes @p machine as one element of such a list, its results ascending by name, clock and thread
+/// count as whole numbers, results with six significant digits. Characters that XML cannot hold
+/// are replaced.
+void writeMachine(QXmlStreamWriter &xml, const benchResults &machine);
