@@ -10,6 +10,7 @@
 #include <QSaveFile>
 #include <QSet>
 #include <QStandardPaths>
+#include <QXmlStreamWriter>
 
 #include <algorithm>
 #include <cstdio>
@@ -20,11 +21,18 @@ namespace
 /// The version of the list inside the program; only a higher one is worth a download.
 constexpr quint32 builtInVersion = 1010;
 
+QString userDataName()
+{
+    return QStringLiteral("user_data.xml");
+}
+
+/// All of @p content, or what was there before.
 bool writeFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
+    // A commit does not notice that its own flush has failed, as on a full disk.
     return file.open(QIODevice::WriteOnly | QIODevice::Text)
-           && file.write(content) == content.size() && file.commit();
+           && file.write(content) == content.size() && file.flush() && file.commit();
 }
 
 } // namespace
@@ -163,6 +171,8 @@ QString benchDataAccess::userDataDirectory(bool &ok)
 
 void benchDataAccess::loadUserData()
 {
+    if (parseUserData())
+        return;
     print(QStringLiteral("Found no local user benchmark data\n"));
     benchResults machine(machineProbe::instance());
     for (const testBase *test : qAsConst(suiteTests)) {
@@ -172,17 +182,70 @@ void benchDataAccess::loadUserData()
     results.append(machine);
 }
 
-// Until results are kept and exchanged, a run says so where it would be looked for.
+bool benchDataAccess::parseUserData()
+{
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    if (!ok)
+        return false;
+    QFile file(directory + userDataName());
+    if (!file.exists())
+        return false;
+    print(QStringLiteral("Found local user benchmark data\n"));
+    const int referenceMachines = results.size();
+    parseXml(file);
+    if (results.size() > referenceMachines)
+        return true;
+    print(QStringLiteral("They cannot be read: '%1' is left as it is until results are stored\n")
+              .arg(file.fileName()));
+    return false;
+}
 
 void benchDataAccess::storeUserData()
 {
-    print(QStringLiteral("This version does not store results yet\n"));
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    if (!ok)
+        print(QStringLiteral("Can't store userdata (directory not writable)\n"));
+    else if (!writeFile(directory + userDataName(), userDataXml()))
+        print(QStringLiteral("Can't store userdata (not writable)\n"));
+    else
+        print(QStringLiteral("Store userdata\n"));
+}
+
+QByteArray benchDataAccess::userDataXml() const
+{
+    QByteArray content;
+    QXmlStreamWriter xml(&content);
+    xml.setAutoFormatting(true);
+    xml.writeStartDocument();
+    xml.writeStartElement(QStringLiteral("Fennick"));
+    if (!results.isEmpty()) {
+        benchResults machine = results.last();
+        for (const testBase *test : qAsConst(suiteTests)) {
+            if (test && test->isSingleOnly())
+                machine.getTests().remove(test->getName());
+        }
+        writeMachine(xml, machine);
+    }
+    xml.writeEndDocument();
+    return content;
 }
 
 void benchDataAccess::removeUserData()
 {
-    print(QStringLiteral("This version does not store results yet\n"));
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    if (!ok) {
+        // Said of the directory, whatever it sounds like; a missing file is not told apart.
+        print(QStringLiteral("Can not remove user benchmark data (doesn't exists)\n"));
+        return;
+    }
+    QFile::remove(directory + userDataName());
+    print(QStringLiteral("Remove user benchmark data\n"));
 }
+
+// Until results are exchanged, a run says so where it would be looked for.
 
 void benchDataAccess::uploadResults()
 {

@@ -33,9 +33,12 @@ public:
     /// Empties the list and fills it with reference machines. loadUserData must follow, or the last
     /// reference machine would pass for this one.
     void loadReferenceData(int source);
-    /// Appends this machine.
+    /// Appends this machine, as it was stored, or as it is and with a result of 0 for every test.
     void loadUserData();
+    /// Stores the last machine without the results of single-only tests. A file that was there
+    /// before is replaced by a complete one or kept.
     void storeUserData();
+    /// Removes what was stored; the list in memory stays as it is.
     void removeUserData();
     void uploadResults();
 
@@ -60,6 +63,9 @@ private:
     /// Fills the place of the built-in list by a download, if one is wanted. False if it failed.
     bool updateReference(int source);
     bool parseDownloadedReference();
+    /// False if there are no stored results, or none that can be read.
+    bool parseUserData();
+    QByteArray userDataXml() const;
     void parseBuiltInReference();
     void printDeviceCount();
 
