@@ -2,7 +2,9 @@
 #include "ui/mainwindow.h"
 
 #include "engine/benchBase.h"
+#include "ui/compareWindow.h"
 #include "ui/displayWidget.h"
+#include "ui/resultwindow.h"
 #include "ui_mainwindow.h"
 
 #include <QApplication>
@@ -190,12 +192,18 @@ void MainWindow::about()
 
 void MainWindow::compareResults()
 {
-    print(QStringLiteral("This version does not compare results yet\n"));
+    delete compareWindowInstance;
+    compareWindowInstance =
+        new compareWindow(this, runner.get(), ui->checkBoxShowIPCResults->isChecked(),
+                          ui->comboBoxCompareWindowFontSize->currentText().toInt());
+    compareWindowInstance->show();
 }
 
 void MainWindow::showResults()
 {
-    print(QStringLiteral("This version does not list results yet\n"));
+    delete resultWindowInstance;
+    resultWindowInstance = new resultwindow(this, runner.get());
+    resultWindowInstance->show();
 }
 
 void MainWindow::hideDebugBox(bool hidden)

@@ -11,7 +11,9 @@
 #include <memory>
 
 class benchBase;
+class compareWindow;
 class displayWidget;
+class resultwindow;
 
 namespace Ui
 {
@@ -69,8 +71,8 @@ private:
     bool stopFlag = false;
     std::unique_ptr<Ui::MainWindow> ui;
     displayWidget *display = nullptr;
-    QMainWindow *compareWindowInstance = nullptr;
-    QMainWindow *resultWindowInstance = nullptr;
+    compareWindow *compareWindowInstance = nullptr;
+    resultwindow *resultWindowInstance = nullptr;
     std::unique_ptr<benchBase> runner;
     runStateNotifier runState;
 };

@@ -4,10 +4,15 @@
 #include "support/dataDirectory.h"
 #include "support/fakeTest.h"
 #include "support/messageBoxes.h"
+#include "ui/compareWindow.h"
 #include "ui/displayWidget.h"
+#include "ui/resultwindow.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTabWidget>
@@ -58,6 +63,13 @@ public:
                && !button("pushButtonStop")->isVisible();
     }
 
+    /// The view of this kind, or null unless there is exactly one.
+    template <typename T> T *onlyView() const
+    {
+        const QList<T *> views = window->findChildren<T *>();
+        return views.size() == 1 ? views.first() : nullptr;
+    }
+
     void addTestTime(const QString &seconds) const
     {
         auto *box = find<QComboBox>("comboBoxSingleTestTime");
@@ -93,6 +105,7 @@ private slots:
     void printAppends();
     void fullRunRefused();
     void fullRunFinished();
+    void uploadIsDisabled();
     void closedBoxIsNo();
     void framesAreShownInAFullRun();
     void closeDuringAFullRun();
@@ -111,7 +124,11 @@ private slots:
     void betaReference_data();
     void betaReference();
     void slotOrder();
-    void slotsOfTheViews();
+    void compareWindowIsReplaced();
+    void compareWindowTakesTheOptions();
+    void viewsDuringARun();
+    void resultsAsText();
+    void deletedUserData();
     void startTwice();
 
 private:
@@ -186,8 +203,24 @@ void tst_mainwindow::fullRunFinished()
     QVERIFY(f.newLog().contains(QStringLiteral(
         "Start Benchmark (8s per Test (3) use virtual resolution 3820x2160):\n"
         "Error: cant setup test oneError: cant setup test manyBenchmark finished\n")));
+    // Stored, offered for upload, shown.
+    QVERIFY(f.newLog().contains(QStringLiteral("Benchmark finished\nStore userdata\n")));
+    QVERIFY(f.newLog().contains(QStringLiteral("upload")));
+    QVERIFY(directory->read(QStringLiteral("user_data.xml")).contains("<test name=\"one\""));
+    QVERIFY(f.onlyView<compareWindow>()->isVisible());
     QCOMPARE(compare.count(), 1);
     QVERIFY(f.isIdle());
+}
+
+void tst_mainwindow::uploadIsDisabled()
+{
+    windowFixture f;
+    for (fakeTest *test : qAsConst(f.fakes))
+        test->canSetup = false;
+    f.find<QCheckBox>("checkBoxDisableResultUpload")->setChecked(true);
+    const boxAnswer answer(QMessageBox::Yes);
+    f.button("benchButton")->click();
+    QVERIFY(f.newLog().endsWith(QStringLiteral("Benchmark finished\nStore userdata\n")));
 }
 
 void tst_mainwindow::framesAreShownInAFullRun()
@@ -214,7 +247,8 @@ void tst_mainwindow::framesAreShownInAFullRun()
     QCOMPARE(compare.count(), 1);
     QVERIFY(f.newLog().contains(QStringLiteral("\nstopped by user ...\n Result: ")));
     QVERIFY(!f.newLog().contains(QStringLiteral("Benchmark finished")));
-    QVERIFY(!f.newLog().contains(QStringLiteral("store")));
+    QVERIFY(!f.newLog().contains(QStringLiteral("Store")));
+    QVERIFY(directory->read(QStringLiteral("user_data.xml")).isNull());
     QVERIFY(!f.newLog().contains(QStringLiteral("upload")));
     QVERIFY(f.isIdle());
 }
@@ -461,16 +495,98 @@ void tst_mainwindow::slotOrder()
                             "deleteUserData() doClose()"));
 }
 
-void tst_mainwindow::slotsOfTheViews()
+void tst_mainwindow::compareWindowIsReplaced()
 {
-    // What is not there yet says so, instead of doing nothing.
-    windowFixture f;
+    const windowFixture f;
+    QVERIFY(!f.window->findChild<compareWindow *>());
     f.button("compareButton")->click();
+    const QPointer<compareWindow> first = f.onlyView<compareWindow>();
+    QVERIFY(first && first->isVisible());
+    f.button("compareButton")->click();
+    QVERIFY(first.isNull());
+    const QPointer<compareWindow> second = f.onlyView<compareWindow>();
+    QVERIFY(second && second->isVisible());
+    second->close();
+    QVERIFY(f.window->isVisible());
+    f.button("compareButton")->click();
+    QVERIFY(f.onlyView<compareWindow>()->isVisible());
+}
+
+void tst_mainwindow::compareWindowTakesTheOptions()
+{
+    const windowFixture f;
+    const auto view = [&f] {
+        f.button("compareButton")->click();
+        return f.onlyView<compareWindow>();
+    };
+    const auto fontSize = [](const compareWindow *window) {
+        return window->findChild<QChartView *>()->chart()->legend()->font().pointSize();
+    };
+    const QString perClock = QStringLiteral("checkBoxIPC");
+    QCOMPARE(fontSize(view()), 9);
+    QVERIFY(!view()->findChild<QCheckBox *>(perClock)->isVisible());
+    f.find<QComboBox>("comboBoxCompareWindowFontSize")->setCurrentText(QStringLiteral("11"));
+    f.find<QCheckBox>("checkBoxShowIPCResults")->setChecked(true);
+    QCOMPARE(fontSize(view()), 11);
+    QVERIFY(view()->findChild<QCheckBox *>(perClock)->isVisible());
+    const auto *tests = view()->findChild<QComboBox *>(QStringLiteral("comboBox"));
+    QCOMPARE(tests->count(), 5);
+    QCOMPARE(tests->itemText(4), QStringLiteral("test: ") + manyCores);
+}
+
+void tst_mainwindow::viewsDuringARun()
+{
+    windowFixture f;
+    int runs = 0;
+    QStringList titles;
+    f.fakes.at(0)->onRun = [&] {
+        briefly();
+        f.window->compareResults();
+        f.window->showResults();
+        auto *view = f.onlyView<compareWindow>();
+        view->selectionChanged(runs);
+        titles.append(view->findChild<QChartView *>()->chart()->title());
+        if (++runs == 3)
+            f.window->singleTestStop();
+    };
+    f.button("singleTestButton")->click();
+    QCOMPARE(titles.join(QLatin1Char('|')),
+             QStringLiteral("combined (singlecore)|combined (multicore)|combined"));
+    QVERIFY(f.onlyView<compareWindow>()->isVisible());
+    QVERIFY(f.onlyView<resultwindow>()->isVisible());
+    QVERIFY(f.isIdle());
+}
+
+void tst_mainwindow::resultsAsText()
+{
+    const windowFixture f;
     f.button("pushButtonResultsAsText")->click();
-    QCOMPARE(f.newLog(), QStringLiteral("This version does not compare results yet\n"
-                                        "This version does not list results yet\n"));
+    const QPointer<resultwindow> first = f.onlyView<resultwindow>();
+    QVERIFY(first && first->isVisible());
+    const QString text = first->findChild<QPlainTextEdit *>()->toPlainText();
+    QVERIFY(text.endsWith(QStringLiteral("\none 0 \nmany 0 \nsingle only 0 [hidden]")));
+    f.button("pushButtonResultsAsText")->click();
+    QVERIFY(first.isNull());
+    f.onlyView<resultwindow>()->close();
+    QVERIFY(f.window->isVisible());
+}
+
+void tst_mainwindow::deletedUserData()
+{
+    windowFixture f;
+    directory->write(QStringLiteral("user_data.xml"),
+                     "<F><bench machineName=\"STORED\" os=\"linux\"/></F>");
+    f.button("pushButtonLoadStandardReference")->click();
+    QVERIFY(f.newLog().endsWith(QStringLiteral("Found local user benchmark data\n")));
+    f.button("pushButtonResultsAsText")->click();
+    QVERIFY(f.onlyView<resultwindow>()->findChild<QPlainTextEdit *>()->toPlainText().startsWith(
+        QStringLiteral("STORED ")));
+    const int before = f.newLog().size();
     f.button("pushButtonDeleteUserData")->click();
+    QVERIFY(f.newLog().mid(before).startsWith(QStringLiteral(
+        "Remove user benchmark data\nNo online database found\nUse internal benchmark DB\n")));
     QVERIFY(f.newLog().endsWith(QStringLiteral("Found no local user benchmark data\n")));
+    QVERIFY(directory->read(QStringLiteral("user_data.xml")).isNull());
 }
 
 void tst_mainwindow::startTwice()

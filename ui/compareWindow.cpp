@@ -1,0 +1,360 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/compareWindow.h"
+
+#include "data/benchDataAccess.h"
+#include "engine/testBase.h"
+#include "ui/comparison.h"
+#include "ui/legendScrollView.h"
+#include "ui_compareWindow.h"
+
+#include <QBarSeries>
+#include <QBarSet>
+#include <QDebug>
+#include <QFontInfo>
+#include <QFontMetricsF>
+#include <QGestureEvent>
+#include <QGraphicsLayout>
+#include <QLegendMarker>
+#include <QLineSeries>
+#include <QToolTip>
+#include <QValueAxis>
+
+namespace
+{
+
+/// What stands before a test's name in the chooser.
+constexpr int testPrefixLength = 6;
+
+/// Below this height, in pixels, nothing could be told apart.
+constexpr int smallestChart = 220;
+
+const char *const descriptionProperty = "machine";
+
+QPen outline(int width)
+{
+    return QPen(Qt::black, width);
+}
+
+int labelStyle(Qt::CheckState state)
+{
+    switch (state) {
+    case Qt::Unchecked:
+        return benchResults::nameDescription;
+    case Qt::PartiallyChecked:
+        return benchResults::processorDescription;
+    case Qt::Checked:
+        break;
+    }
+    return benchResults::fullDescription;
+}
+
+/// Calibri where it is installed; elsewhere one of its width, or the platform's own.
+QFont legendFont(int pointSize)
+{
+    const QString family = QStringLiteral("Calibri");
+    if (QFont::substitutes(family).isEmpty()) {
+        QFont::insertSubstitutions(
+            family, {QStringLiteral("Carlito"), QStringLiteral("DejaVu Sans"), QFont().family()});
+    }
+    return {family, pointSize};
+}
+
+/// Qt replaces axis labels by dots where they stand too close, and wants this much free height.
+constexpr qreal labelPadding = 9;
+
+/// Lets the labels of @p axis shrink with the plot, within what can be read.
+void fitLabels(QValueAxis *axis, const QRectF &plotArea, QFont font)
+{
+    constexpr int smallestPixelSize = 7;
+    const qreal room = plotArea.height() / axis->tickCount() - labelPadding;
+    for (int size = QFontInfo(font).pixelSize(); size >= smallestPixelSize; --size) {
+        font.setPixelSize(size);
+        if (QFontMetricsF(font).height() <= room)
+            break;
+    }
+    if (axis->labelsFont() != font)
+        axis->setLabelsFont(font);
+}
+
+QString unitOf(const QVector<testBase *> &tests, const QString &testName)
+{
+    for (const testBase *test : tests) {
+        if (test->getName() == testName)
+            return test->getUnit();
+    }
+    return {};
+}
+
+} // namespace
+
+compareWindow::compareWindow(QWidget *parent, benchDataAccess *machineData, bool showIpcOption,
+                             int legendFontSize)
+    : QMainWindow(parent),
+      dataAccess(machineData),
+      fontSize(legendFontSize),
+      ui(std::make_unique<Ui::compareWindow>())
+{
+    ui->setupUi(this);
+    for (QComboBox *box : {ui->comboBoxSortBy, ui->comboBoxCount, ui->comboBox})
+        box->setMinimumHeight(0);
+    for (const Qt::GestureType gesture : {Qt::PanGesture, Qt::PinchGesture, Qt::SwipeGesture})
+        grabGesture(gesture);
+    fillChoosers();
+    if (!dataAccess)
+        return;
+
+    fillTests(showIpcOption);
+    chartView = new legendScrollView(this);
+    chartView->setRenderHint(QPainter::Antialiasing);
+    chartView->setMinimumHeight(smallestChart);
+    ui->gridLayout->addWidget(chartView);
+    connectControls();
+    updateChart(0);
+}
+
+compareWindow::~compareWindow() = default;
+
+void compareWindow::fillChoosers()
+{
+    const auto addMode = [this](const QString &text, comparison::selectionMode mode) {
+        ui->comboBoxSortBy->addItem(text, int(mode));
+    };
+    addMode(tr("Mixed devices"), comparison::mixedDevices);
+    addMode(tr("Top devices"), comparison::topDevices);
+    addMode(tr("Medium devices"), comparison::mediumDevices);
+    addMode(tr("Last devices"), comparison::lastDevices);
+    addMode(tr("All devices"), comparison::allDevices);
+    for (int count = 20; count <= 50; count += 5)
+        ui->comboBoxCount->addItem(QStringLiteral("%1").arg(count));
+}
+
+void compareWindow::fillTests(bool showIpcOption)
+{
+    ui->checkBoxIPC->setVisible(showIpcOption);
+    const auto addKind = [this](const QString &text, comparison::testKind kind) {
+        ui->comboBox->addItem(text, int(kind));
+    };
+    addKind(tr("combined (single core)"), comparison::singleCoreTests);
+    addKind(tr("combined (multi core)"), comparison::multiCoreTests);
+    addKind(tr("combined"), comparison::allTests);
+    for (const testBase *test : dataAccess->getTests()) {
+        if (!test->isSingleOnly())
+            addKind(QStringLiteral("test: %1").arg(test->getName()), comparison::oneTest);
+    }
+}
+
+void compareWindow::connectControls()
+{
+    const auto onActivated = [this](QComboBox *box, void (compareWindow::*slot)(int)) {
+        connect(box, QOverload<int>::of(&QComboBox::activated), this, slot);
+    };
+    const auto onClicked = [this](QCheckBox *box, void (compareWindow::*slot)(bool)) {
+        connect(box, &QCheckBox::clicked, this, slot);
+    };
+    onActivated(ui->comboBox, &compareWindow::selectionChanged);
+    onActivated(ui->comboBoxCount, &compareWindow::selectionCountChanged);
+    onActivated(ui->comboBoxSortBy, &compareWindow::sortByChanged);
+    for (QCheckBox *box : {ui->checkBoxAndroid, ui->checkBoxWindows, ui->checkBoxLinux})
+        onClicked(box, &compareWindow::osFilterChanged);
+    onClicked(ui->checkBoxIPC, &compareWindow::ipcChanged);
+    onClicked(ui->checkBoxMerged, &compareWindow::mergeChanged);
+    connect(ui->checkBoxNameType, &QCheckBox::stateChanged, this,
+            &compareWindow::nameTypeStateChanged);
+    connect(ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
+}
+
+void compareWindow::selectionChanged(int i)
+{
+    updateChart(i);
+}
+
+void compareWindow::ipcChanged(bool)
+{
+    ipc = ui->checkBoxIPC->isChecked();
+    rebuild();
+}
+
+void compareWindow::osFilterChanged(bool)
+{
+    rebuild();
+}
+
+void compareWindow::nameTypeStateChanged(int)
+{
+    rebuild();
+}
+
+void compareWindow::selectionCountChanged(int)
+{
+    rebuild();
+}
+
+void compareWindow::sortByChanged(int i)
+{
+    ui->comboBoxCount->setEnabled(i != comparison::allDevices);
+    rebuild();
+}
+
+void compareWindow::mergeChanged(bool)
+{
+    rebuild();
+}
+
+void compareWindow::barHovered(bool status, int indx, QBarSet *set)
+{
+    if (!set || indx >= set->count())
+        return;
+    constexpr int hoveredWidth = 4;
+    set->setPen(outline(status ? hoveredWidth : 1));
+    if (status)
+        QToolTip::showText(QCursor::pos(), set->property(descriptionProperty).toString(), this);
+    else
+        QToolTip::hideText();
+}
+
+bool compareWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::Gesture && dataAccess) {
+        const QGesture *gesture = static_cast<QGestureEvent *>(event)->gesture(Qt::SwipeGesture);
+        if (const auto *swipe = static_cast<const QSwipeGesture *>(gesture)) {
+            // The chooser keeps its test; a swipe is a glance at the next one.
+            const int current = ui->comboBox->currentIndex();
+            const QSwipeGesture::SwipeDirection direction = swipe->horizontalDirection();
+            if (direction == QSwipeGesture::Left && current - 1 >= 0)
+                updateChart(current - 1);
+            else if (direction == QSwipeGesture::Right && current + 1 < ui->comboBox->count())
+                updateChart(current + 1);
+        }
+    }
+    return QMainWindow::event(event);
+}
+
+void compareWindow::rebuild()
+{
+    updateChart(ui->comboBox->currentIndex());
+}
+
+void compareWindow::updateChart(int testIndex)
+{
+    const int kind = ui->comboBox->itemData(testIndex).toInt();
+    QString title;
+    switch (kind) {
+    case comparison::singleCoreTests:
+        title = tr("combined (singlecore)");
+        break;
+    case comparison::multiCoreTests:
+        title = tr("combined (multicore)");
+        break;
+    case comparison::allTests:
+        title = tr("combined");
+        break;
+    case comparison::oneTest:
+        // The text of the chooser, not of testIndex: they differ after a swipe, and stay different.
+        title = ui->comboBox->currentText().mid(testPrefixLength);
+        break;
+    default:
+        break;
+    }
+    const int osMask = (ui->checkBoxAndroid->isChecked() ? comparison::androidFlag : 0)
+                       | (ui->checkBoxLinux->isChecked() ? comparison::linuxFlag : 0)
+                       | (ui->checkBoxWindows->isChecked() ? comparison::windowsFlag : 0);
+    buildChart(ui->comboBoxSortBy->currentIndex(), ui->comboBoxCount->currentText().toInt(), kind,
+               osMask, title, ui->checkBoxMerged->isChecked());
+}
+
+void compareWindow::buildChart(int sortMode, int count, int kind, int osMask, const QString &title,
+                               bool merged)
+{
+    comparison::choices wanted;
+    wanted.kind = kind;
+    wanted.mode = sortMode;
+    wanted.count = count;
+    wanted.osMask = osMask;
+    wanted.isMerged = merged;
+    wanted.isPerClock = ipc;
+    const QVector<testBase *> tests = dataAccess->getTests();
+    const QVector<benchResults> machines =
+        comparison::rankedMachines(dataAccess->getResults(), tests, wanted);
+    if (machines.isEmpty())
+        return;
+    const benchResults &own = machines.last();
+    qDebug() << "Test" << own.getName() << " " << (own.isMeasured() ? "Used" : "Unused");
+
+    // Per clock are the scores only: the bars of one test, and its value here, are as measured.
+    const double youValue = static_cast<double>(comparison::barValue(own, kind, title));
+    QString fullTitle = title;
+    if (kind == comparison::oneTest && own.isMeasured()) {
+        fullTitle +=
+            QStringLiteral(" [you: %1 %2]").arg(QString::number(youValue), unitOf(tests, title));
+    }
+    if (ipc)
+        fullTitle += tr(" (per Clock)");
+    showChart(createChart(createBars(machines, kind, title), youValue, fullTitle));
+}
+
+QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, int kind,
+                                      const QString &testName)
+{
+    auto *series = new QBarSeries;
+    series->setBarWidth(0.9);
+    const int style = labelStyle(ui->checkBoxNameType->checkState());
+    for (const benchResults &machine : machines) {
+        const bool isOwn = &machine == &machines.last();
+        const double value = static_cast<double>(comparison::barValue(machine, kind, testName));
+        auto *bar = new QBarSet((isOwn ? tr("[you] ") : QString()) + machine.describe(style));
+        bar->setBorderColor(Qt::black);
+        bar->setPen(outline(1));
+        bar->append(value);
+        if (isOwn)
+            bar->setColor(Qt::red);
+        bar->setProperty(descriptionProperty,
+                         tr("%1\n%2: %3")
+                             .arg(machine.describe(benchResults::fullDescription), machine.getCpu(),
+                                  QString::number(value)));
+        series->append(bar);
+    }
+    qRegisterMetaType<QBarSet *>("QBarSet*");
+    connect(series, &QBarSeries::hovered, this, &compareWindow::barHovered);
+    return series;
+}
+
+QChart *compareWindow::createChart(QBarSeries *barSeries, qreal youValue,
+                                   const QString &title) const
+{
+    auto *chart = new QChart;
+    auto *line = new QLineSeries;
+    line->setColor(Qt::black);
+    line->setPen(QPen(Qt::DashLine));
+    line->append(0.0, youValue);
+    line->append(1.0, youValue);
+    chart->addSeries(barSeries);
+    chart->addSeries(line);
+    chart->setTitle(title);
+
+    const QFont font = legendFont(fontSize);
+    auto *axis = new QValueAxis;
+    axis->setTickCount(11);
+    connect(chart, &QChart::plotAreaChanged, axis,
+            [axis, font](const QRectF &area) { fitLabels(axis, area, font); });
+    chart->addAxis(axis, Qt::AlignLeft);
+    barSeries->attachAxis(axis);
+    line->attachAxis(axis);
+
+    QLegend *legend = chart->legend();
+    legend->markers().last()->setVisible(false);
+    legend->setVisible(true);
+    legend->setAlignment(Qt::AlignRight);
+    legend->setFont(font);
+    chart->setBackgroundRoundness(0);
+    // The bars need the room, above all in a small window.
+    chart->setMargins(QMargins(4, 4, 4, 4));
+    chart->layout()->setContentsMargins(0, 0, 0, 0);
+    return chart;
+}
+
+void compareWindow::showChart(QChart *chart)
+{
+    // The view gives up the chart that it showed before.
+    const std::unique_ptr<QChart> previous(chartView->chart());
+    chartView->setChart(chart);
+}
