@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// The compare window over the built-in list: how long it takes to open and to rebuild its chart,
+// and what many rebuilds cost in memory. One iteration ends when the chart has been painted.
+
+#include "engine/benchBase.h"
+#include "ui/compareWindow.h"
+#include "ui/comparison.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+
+#include <algorithm>
+#include <chrono>
+
+namespace
+{
+
+class silence : public printHook
+{
+public:
+    void print(const QString &) override {}
+};
+
+/// A runner with the built-in list and this machine.
+benchBase &loadedRunner()
+{
+    static silence log;
+    static benchBase runner(&log, nullptr, nullptr);
+    if (runner.getResults().isEmpty()) {
+        runner.loadReferenceData(benchBase::builtInReference);
+        runner.loadUserData();
+    }
+    return runner;
+}
+
+double residentMebibytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toDouble() * 4096 / (1024 * 1024);
+}
+
+void openWindow(benchmark::State &state)
+{
+    benchBase &runner = loadedRunner();
+    for ([[maybe_unused]] auto _ : state) {
+        compareWindow window(nullptr, &runner, true, 9);
+        window.show();
+        QCoreApplication::processEvents();
+    }
+}
+BENCHMARK(openWindow)->Unit(benchmark::kMillisecond);
+
+/// A window of unmerged machines in one of the modes of comparison::selectionMode.
+class openedWindow
+{
+public:
+    explicit openedWindow(int mode)
+    {
+        window.findChild<QCheckBox *>(QStringLiteral("checkBoxMerged"))->setChecked(false);
+        window.findChild<QComboBox *>(QStringLiteral("comboBoxSortBy"))->setCurrentIndex(mode);
+        tests = window.findChild<QComboBox *>(QStringLiteral("comboBox"));
+        window.show();
+        window.sortByChanged(mode);
+        QCoreApplication::processEvents();
+    }
+    void rebuild()
+    {
+        next = (next + 1) % tests->count();
+        tests->setCurrentIndex(next);
+        window.selectionChanged(next);
+        QCoreApplication::processEvents();
+    }
+
+private:
+    compareWindow window{nullptr, &loadedRunner(), true, 9};
+    QComboBox *tests = nullptr;
+    int next = 0;
+};
+
+void rebuild(benchmark::State &state)
+{
+    openedWindow window(static_cast<int>(state.range(0)));
+    double worst = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        window.rebuild();
+        const std::chrono::duration<double, std::milli> spent =
+            std::chrono::steady_clock::now() - start;
+        worst = std::max(worst, spent.count());
+    }
+    state.counters["worst_ms"] = worst;
+}
+BENCHMARK(rebuild)
+    ->ArgName("mode")
+    ->Arg(comparison::mixedDevices)
+    ->Arg(comparison::allDevices)
+    ->Unit(benchmark::kMillisecond);
+
+void tenThousandRebuilds(benchmark::State &state)
+{
+    openedWindow window(comparison::mixedDevices);
+    for (int i = 0; i < 200; ++i)
+        window.rebuild();
+    const double before = residentMebibytes();
+    for ([[maybe_unused]] auto _ : state)
+        window.rebuild();
+    state.counters["before_MiB"] = before;
+    state.counters["after_MiB"] = residentMebibytes();
+}
+BENCHMARK(tenThousandRebuilds)->Iterations(10'000)->Unit(benchmark::kMillisecond);
+
+void ignore(QtMsgType, const QMessageLogContext &, const QString &) {}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qInstallMessageHandler(ignore);
+    const QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
