@@ -245,9 +245,21 @@ void benchDataAccess::removeUserData()
     print(QStringLiteral("Remove user benchmark data\n"));
 }
 
-// Until results are exchanged, a run says so where it would be looked for.
-
 void benchDataAccess::uploadResults()
 {
-    print(QStringLiteral("This version does not upload results yet\n"));
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    if (!ok) {
+        print(QStringLiteral("Can't upload results (directory) found\n"));
+        return;
+    }
+    QByteArray content("");
+    QFile file(directory + userDataName());
+    if (file.open(QIODevice::ReadOnly | QIODevice::Text))
+        content = QString::fromUtf8(file.read(maximumXmlSize)).toUtf8();
+    else // and go on: the database may want to know
+        print(QStringLiteral("Can't upload: no user results found\n"));
+    print(online->request(onlineDatabase::storeResults, content)
+              ? QStringLiteral("Upload results\n")
+              : QStringLiteral("Can't upload results\n"));
 }

@@ -19,6 +19,8 @@ has_file() {
     return 1
 }
 
+has_header() { [ -e "/usr/include/$1" ] || [ -e "/usr/local/include/$1" ]; }
+
 has_cmake_package() { has_file "cmake/$1/$1Config.cmake" || has_file "cmake/$1/${1,,}-config.cmake"; }
 
 # need CHECK ARGUMENT PACKAGE: notes the Debian package if the check fails.
@@ -31,6 +33,7 @@ need_build_tools() {
     need has_command ninja ninja-build
     need has_cmake_package Qt5Widgets qtbase5-dev
     need has_cmake_package Qt5Charts libqt5charts5-dev
+    need has_header zlib.h zlib1g-dev
 }
 
 # The window needs a plug-in for Wayland where there is no X server.
