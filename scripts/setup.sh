@@ -34,6 +34,10 @@ need_build_tools() {
     need has_cmake_package Qt5Widgets qtbase5-dev
     need has_cmake_package Qt5Charts libqt5charts5-dev
     need has_header zlib.h zlib1g-dev
+    need has_command pkg-config pkgconf
+    need has_header httplib.h libcpp-httplib-dev
+    need has_header openssl/ssl.h libssl-dev
+    need has_file qt5/plugins/sqldrivers/libqsqlite.so libqt5sql5-sqlite
 }
 
 # The window needs a plug-in for Wayland where there is no X server.

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "server/boundedServer.h"
+
+#include "server/growingPool.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr auto fullPatience = 10s;
+constexpr auto littlePatience = 1s;
+constexpr int requestsPerConnection = 1'000;
+
+/// The length in the head of @p request, or -1 if there is none, or none that makes sense.
+long long bodyLength(const httplib::Request &request)
+{
+    const std::string text = request.get_header_value("Content-Length");
+    if (text.empty() || text.size() > 15
+        || text.find_first_not_of("0123456789") != std::string::npos)
+        return -1;
+    return std::stoll(text);
+}
+
+/// Whether the body of @p request may be read to its end.
+bool isBounded(const httplib::Request &request)
+{
+    const bool hasLength = request.has_header("Content-Length");
+    if (!hasLength)
+        return !request.has_header("Transfer-Encoding");
+    const long long length = bodyLength(request);
+    return length >= 0 && length <= static_cast<long long>(boundedServer::maximumBody);
+}
+
+void refuseBody(httplib::Response &response)
+{
+    response.status = 413;
+    response.set_content("a request has at most 65536 bytes, and says how many\n", "text/plain");
+}
+
+/// Ends a connection so that the other side can still read the answer: what it goes on sending is
+/// thrown away for a moment, because closing on unread data would take the answer back.
+void closeGently(socket_t sock)
+{
+    ::shutdown(sock, SHUT_WR);
+    std::array<char, 4096> waste;
+    timeval moment{0, 200'000};
+    setsockopt(sock, SOL_SOCKET, SO_RCVTIMEO, &moment, sizeof moment);
+    for (int i = 0; i < 64 && ::recv(sock, waste.data(), waste.size(), 0) > 0; ++i) {
+    }
+    ::close(sock);
+}
+
+} // namespace
+
+boundedServer::boundedServer(int mostConnections) : limit(mostConnections)
+{
+    new_task_queue = [this] { return new growingPool(limit); };
+    set_pre_routing_handler([](const httplib::Request &request, httplib::Response &response) {
+        if (isBounded(request))
+            return HandlerResponse::Unhandled;
+        refuseBody(response);
+        return HandlerResponse::Handled;
+    });
+    set_expect_100_continue_handler([](const httplib::Request &request, httplib::Response &) {
+        return isBounded(request) ? 100 : 413;
+    });
+    set_tcp_nodelay(true);
+    set_keep_alive_max_count(requestsPerConnection);
+}
+
+int boundedServer::bind(const std::string &address, int port)
+{
+    // Without the option to share the port: a second server on it must fail, and not take turns.
+    set_socket_options([](socket_t sock) {
+        const int yes = 1;
+        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+    const int bound = port == 0                     ? bind_to_any_port(address)
+                      : bind_to_port(address, port) ? port
+                                                    : -1;
+    // The library queues five connections only, and a burst of more would wait for a second.
+    if (bound > 0)
+        ::listen(svr_sock_, SOMAXCONN);
+    return bound;
+}
+
+bool boundedServer::serve()
+{
+    return listen_after_bind();
+}
+
+std::chrono::milliseconds boundedServer::patience() const
+{
+    return connections > limit / 2 ? littlePatience : fullPatience;
+}
+
+bool boundedServer::process_and_close_socket(socket_t sock)
+{
+    ++connections;
+    serveConnection(sock);
+    closeGently(sock);
+    --connections;
+    return true;
+}
+
+void boundedServer::serveConnection(socket_t sock)
+{
+    deadlineStream stream(sock, [this] { return svr_sock_ == INVALID_SOCKET; });
+    for (int left = requestsPerConnection; left > 0; --left) {
+        if (!stream.waitForRequest(deadlineStream::clock::now() + patience()))
+            return;
+        stream.beginRequest(deadlineStream::clock::now() + patience(), maximumHead + maximumBody);
+        bool isClosed = false;
+        bool isUnread = false;
+        const bool isDone =
+            process_request(stream, left == 1, isClosed, [&isUnread](httplib::Request &request) {
+                isUnread = !isBounded(request);
+                if (isUnread) {
+                    request.headers.erase("Connection");
+                    request.set_header("Connection", "close");
+                }
+                // Packing an answer of four digits takes longer than sending it.
+                request.headers.erase("Accept-Encoding");
+            });
+        if (!isDone || isClosed || isUnread)
+            return;
+    }
+}

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <httplib.h>
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <string>
+
+/// A connection whose every request must be read, and answered, by a deadline, and may have so many
+/// bytes only. A time-out per read would not do: a client that sends a byte now and then would
+/// never meet it.
+class deadlineStream : public httplib::Stream
+{
+public:
+    using clock = std::chrono::steady_clock;
+
+    /// @p connected is not owned. Waiting ends early when @p isEnding says so.
+    deadlineStream(socket_t connected, std::function<bool()> isEnding);
+
+    /// Waits until the next request begins. False if none does by @p until, or the other side has
+    /// closed the connection.
+    bool waitForRequest(clock::time_point until);
+    /// The request that begins now ends by @p until and has at most @p bytes.
+    void beginRequest(clock::time_point until, std::size_t bytes);
+
+    bool is_readable() const override;
+    bool is_writable() const override;
+    ssize_t read(char *to, std::size_t size) override;
+    ssize_t write(const char *from, std::size_t size) override;
+    void get_remote_ip_and_port(std::string &ip, int &port) const override;
+    void get_local_ip_and_port(std::string &ip, int &port) const override;
+    socket_t socket() const override { return handle; }
+
+private:
+    /// Waits for @p events of the socket until @p until. False if they do not come.
+    bool poll(short events, clock::time_point until) const;
+    bool fill();
+
+    socket_t handle;
+    std::function<bool()> isStopped;
+    clock::time_point deadline = clock::now();
+    std::size_t budget = 0;
+    std::array<char, 4096> buffer;
+    std::size_t next = 0;
+    std::size_t end = 0;
+};

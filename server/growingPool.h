@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <httplib.h>
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+
+/// Runs each task on a thread of its own, as many as there are tasks at a time, up to a limit;
+/// threads that have nothing to do for a while end. Tasks beyond the limit wait.
+class growingPool : public httplib::TaskQueue
+{
+public:
+    explicit growingPool(int mostThreads) : limit(mostThreads) {}
+
+    void enqueue(std::function<void()> task) override;
+    /// Finishes all tasks.
+    void shutdown() override;
+
+private:
+    void work();
+
+    int limit;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<std::function<void()>> tasks;
+    int threads = 0;
+    int idle = 0;
+    bool isEnding = false;
+};

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "server/serverProgram.h"
+
+#include "data/benchXml.h"
+#include "server/exchange.h"
+#include "server/log.h"
+#include "server/publisher.h"
+#include "server/serverCommand.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <csignal>
+#include <cstdio>
+#include <thread>
+
+#include <unistd.h>
+
+namespace
+{
+
+enum exitCode { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
+
+void write(const QString &text, std::FILE *stream)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
+}
+
+int failed(const QString &reason)
+{
+    write(QStringLiteral("fennick-server: %1\n").arg(reason), stderr);
+    return exitFailure;
+}
+
+/// The signals that end the server, and one that ends waiting for them.
+sigset_t endingSignals()
+{
+    sigset_t set{};
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGUSR1})
+        sigaddset(&set, signal);
+    return set;
+}
+
+/// Calls stop() of a server when the process is asked to end, and ends it at once when asked again.
+class signalWaiter
+{
+public:
+    explicit signalWaiter(resultServer &server)
+        : thread([&server] {
+              const sigset_t set = endingSignals();
+              int signal = 0;
+              for (int count = 0; sigwait(&set, &signal) == 0 && signal != SIGUSR1; ++count) {
+                  if (count > 0)
+                      _exit(128 + signal);
+                  writeLog(QStringLiteral("ending"));
+                  server.stop();
+              }
+          })
+    {
+    }
+    signalWaiter(const signalWaiter &) = delete;
+    signalWaiter &operator=(const signalWaiter &) = delete;
+    ~signalWaiter()
+    {
+        kill(getpid(), SIGUSR1);
+        thread.join();
+    }
+
+private:
+    std::thread thread;
+};
+
+int serve(const serverCommand &command)
+{
+    {
+        resultStore store(command.options.database);
+        if (!store.open()) {
+            return failed(QStringLiteral("the database cannot be opened: %1").arg(store.error()));
+        }
+    }
+    // Before there are other threads, which would otherwise get them.
+    const sigset_t set = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    resultServer server(command.options);
+    const int port = server.bind(command.address.toStdString(), command.port);
+    const signalWaiter waiter(server);
+    if (port < 0) {
+        return failed(QStringLiteral("cannot listen on %1:%2; is something else listening there?")
+                          .arg(command.address, QString::number(command.port)));
+    }
+    write(QStringLiteral("Listening on %1:%2\n").arg(command.address, QString::number(port)),
+          stdout);
+    const bool isDone = server.serve();
+    writeLog(QStringLiteral("ended"));
+    return isDone ? exitSuccess : failed(QStringLiteral("the server has failed"));
+}
+
+QVector<benchResults> builtInMachines()
+{
+    QFile file(QStringLiteral(":/data/benches.xml"));
+    QVector<benchResults> machines;
+    if (file.open(QIODevice::ReadOnly | QIODevice::Text))
+        readMachines(file, machines);
+    return machines;
+}
+
+int publish(resultStore &store)
+{
+    publisher lists(builtInMachines());
+    int uploads = 0;
+    const std::optional<int> version = store.publish(
+        [&](const storedUpload &upload) {
+            lists.add(upload);
+            ++uploads;
+        },
+        [&] {
+            return resultStore::lists{lists.list(false), lists.list(true)};
+        });
+    if (!version)
+        return failed(QStringLiteral("nothing was published: %1").arg(store.error()));
+    write(QStringLiteral("Published version %1 from %2 uploads\n")
+              .arg(QString::number(*version), QString::number(uploads)),
+          stdout);
+    return exitSuccess;
+}
+
+int importFile(resultStore &store, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return failed(QStringLiteral("'%1' cannot be read: %2").arg(path, file.errorString()));
+    }
+    const importReport report = importFrom(file, store, QDateTime::currentMSecsSinceEpoch());
+    if (!report.error.isEmpty()) {
+        return failed(QStringLiteral("nothing was imported from '%1': %2").arg(path, report.error));
+    }
+    write(QStringLiteral("Read %1 uploads and %2 lists, passed over %3 modelled machines\n")
+              .arg(QString::number(report.uploads), QString::number(report.lists),
+                   QString::number(report.estimates)),
+          stdout);
+    return exitSuccess;
+}
+
+int exportToOutput(resultStore &store)
+{
+    QFile output;
+    const bool isOpen = output.open(stdout, QIODevice::WriteOnly);
+    if (isOpen && exportAll(store, output) && output.flush())
+        return exitSuccess;
+    return failed(QStringLiteral("the export is not complete: %1").arg(store.error()));
+}
+
+int withdraw(resultStore &store, qint64 id, const QString &reason)
+{
+    bool isFound = false;
+    if (!store.withdraw(id, reason, isFound))
+        return failed(QStringLiteral("nothing was withdrawn: %1").arg(store.error()));
+    if (!isFound)
+        return failed(QStringLiteral("there is no upload %1").arg(id));
+    write(QStringLiteral("Upload %1 is withdrawn; the next version will be without it\n").arg(id),
+          stdout);
+    return exitSuccess;
+}
+
+int list(resultStore &store)
+{
+    const auto row = [](const QString &id, const QString &time, const QString &state,
+                        const QString &rest) {
+        write(id.rightJustified(8) + QStringLiteral("  ") + time.leftJustified(20)
+                  + QStringLiteral("  ") + state.leftJustified(9) + QStringLiteral("  ") + rest
+                  + QLatin1Char('\n'),
+              stdout);
+    };
+    row(QStringLiteral("ID"), QStringLiteral("RECEIVED (UTC)"), QStringLiteral("STATE"),
+        QStringLiteral("PROCESSOR, SYSTEM, THREADS, RESULTS"));
+    const bool isComplete = store.forEachUpload([&row](const storedUpload &upload) {
+        QByteArray xml = upload.content;
+        QBuffer buffer(&xml);
+        buffer.open(QIODevice::ReadOnly);
+        QVector<benchResults> machines;
+        readMachines(buffer, machines);
+        const benchResults machine = machines.value(0);
+        const QString text =
+            QStringLiteral("%1, %2, %3, %4")
+                .arg(machine.getCpu(), machine.getOs(), QString::number(machine.getThreads()),
+                     QString::number(machine.getTests().size()));
+        const QString reason =
+            upload.reason.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(upload.reason);
+        row(QString::number(upload.id),
+            QDateTime::fromMSecsSinceEpoch(upload.received, Qt::UTC).toString(Qt::ISODate),
+            upload.state,
+            text + (upload.isEmpty ? QStringLiteral(", all zero") : QString()) + reason);
+    });
+    return isComplete ? exitSuccess : failed(store.error());
+}
+
+int runOnStore(const serverCommand &command)
+{
+    resultStore store(command.options.database);
+    if (!store.open())
+        return failed(QStringLiteral("the database cannot be opened: %1").arg(store.error()));
+    switch (command.wanted) {
+    case serverCommand::publish:
+        return publish(store);
+    case serverCommand::importFile:
+        return importFile(store, command.file);
+    case serverCommand::exportAll:
+        return exportToOutput(store);
+    case serverCommand::withdraw:
+        return withdraw(store, command.id, command.reason);
+    default:
+        return list(store);
+    }
+}
+
+} // namespace
+
+int runServerProgram(const QStringList &arguments)
+{
+    const QString directory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    const serverCommand command =
+        parseServerCommand(arguments, directory + QStringLiteral("/results.sqlite"));
+    switch (command.wanted) {
+    case serverCommand::showText:
+        write(command.message, stdout);
+        return exitSuccess;
+    case serverCommand::showError:
+        write(command.message, stderr);
+        return exitUsage;
+    case serverCommand::serve:
+        return serve(command);
+    default:
+        return runOnStore(command);
+    }
+}

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "server/storeThreads.h"
+
+namespace
+{
+
+/// So many uploads share a transaction at most, so that none waits for long.
+constexpr std::size_t largestBatch = 500;
+
+} // namespace
+
+storeThreads::storeThreads(const databaseAddress &address, int readers) : place(address)
+{
+    for (int i = 0; i < readers; ++i)
+        threads.emplace_back([this] { serveReads(); });
+    threads.emplace_back([this] { serveWrites(); });
+}
+
+storeThreads::~storeThreads()
+{
+    {
+        const std::lock_guard lock(mutex);
+        isEnding = true;
+    }
+    readsChanged.notify_all();
+    writesChanged.notify_all();
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+void storeThreads::serveReads()
+{
+    resultStore store(place);
+    std::unique_lock lock(mutex);
+    while (true) {
+        readsChanged.wait(lock, [this] { return isEnding || !reads.empty(); });
+        if (reads.empty())
+            return;
+        const readJob job = std::move(reads.front());
+        reads.pop_front();
+        lock.unlock();
+        job(store.open() ? &store : nullptr);
+        lock.lock();
+    }
+}
+
+void storeThreads::serveWrites()
+{
+    resultStore store(place);
+    std::unique_lock lock(mutex);
+    while (true) {
+        writesChanged.wait(lock, [this] { return isEnding || !writes.empty(); });
+        if (writes.empty())
+            return;
+        std::vector<writeJob> batch;
+        QVector<storedUpload> uploads;
+        while (!writes.empty() && batch.size() < largestBatch) {
+            uploads.append(writes.front().upload);
+            batch.push_back(std::move(writes.front()));
+            writes.pop_front();
+        }
+        lock.unlock();
+        bool isStored = store.open() && store.add(uploads);
+        if (!isStored) { // the connection may be the one of a database that has been restarted
+            store.close();
+            isStored = store.open() && store.add(uploads);
+        }
+        for (writeJob &job : batch)
+            job.isStored.set_value(isStored);
+        lock.lock();
+    }
+}
+
+template <typename Result>
+std::optional<Result> storeThreads::read(std::optional<Result> (*operation)(resultStore &, bool),
+                                         bool argument)
+{
+    std::promise<std::optional<Result>> promise;
+    std::future<std::optional<Result>> result = promise.get_future();
+    {
+        const std::lock_guard lock(mutex);
+        if (isEnding || reads.size() >= longestQueue)
+            return std::nullopt;
+        reads.emplace_back([&promise, operation, argument](resultStore *store) {
+            std::optional<Result> found = store ? operation(*store, argument) : std::nullopt;
+            if (store && !found) {
+                store->close();
+                if (store->open())
+                    found = operation(*store, argument);
+            }
+            promise.set_value(found);
+        });
+    }
+    readsChanged.notify_one();
+    return result.get();
+}
+
+std::optional<int> storeThreads::newestVersion()
+{
+    return read<int>([](resultStore &store, bool) { return store.newestVersion(); }, false);
+}
+
+std::optional<storedList> storeThreads::newestList(bool isBeta)
+{
+    return read<storedList>([](resultStore &store, bool beta) { return store.newestList(beta); },
+                            isBeta);
+}
+
+bool storeThreads::add(const storedUpload &upload)
+{
+    std::future<bool> isStored;
+    {
+        const std::lock_guard lock(mutex);
+        if (isEnding || writes.size() >= longestQueue)
+            return false;
+        writes.push_back({upload, {}});
+        isStored = writes.back().isStored.get_future();
+    }
+    writesChanged.notify_one();
+    return isStored.get();
+}
