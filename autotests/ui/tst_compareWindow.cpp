@@ -292,6 +292,7 @@ void tst_compareWindow::withoutData()
     QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBox"))->count(), 0);
     QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBoxSortBy"))->count(), 5);
     QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBoxCount"))->count(), 7);
+    QVERIFY(window.findChild<QCheckBox *>(QStringLiteral("checkBoxIPC"))->isHidden());
     window.findChild<QCheckBox *>(QStringLiteral("checkBoxMerged"))->click();
     QSwipeGesture gesture;
     QGestureEvent event({&gesture});
