@@ -82,16 +82,20 @@ bool database::open()
         }
         isConnected = connection.open();
         lastError = connection.lastError().text().trimmed();
-        if (isConnected && isSqlite())
-            configureSqlite();
+        if (isConnected)
+            configure();
     }
     if (!isConnected)
         close();
     return isConnected;
 }
 
-void database::configureSqlite()
+void database::configure()
 {
+    if (!isSqlite()) { // which tables are there already is of no interest
+        execute(QStringLiteral("SET client_min_messages = warning"));
+        return;
+    }
     // Readers go on while one writes, and what is committed is on the disk.
     execute(QStringLiteral("PRAGMA journal_mode = WAL"));
     execute(QStringLiteral("PRAGMA synchronous = FULL"));

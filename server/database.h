@@ -51,7 +51,7 @@ public:
     void rollback();
 
 private:
-    void configureSqlite();
+    void configure();
     bool note(const QSqlQuery &query, bool isDone);
 
     databaseAddress address;
