@@ -126,7 +126,7 @@ void boundedServer::serveConnection(socket_t sock)
                 // Packing an answer of four digits takes longer than sending it.
                 request.headers.erase("Accept-Encoding");
             });
-        if (!isDone || isClosed || isUnread)
+        if (!isDone || isClosed || isUnread || stream.isBroken())
             return;
     }
 }

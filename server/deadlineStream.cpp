@@ -91,8 +91,10 @@ bool deadlineStream::is_writable() const
 
 ssize_t deadlineStream::read(char *to, std::size_t size)
 {
-    if (next == end && !fill())
+    if (next == end && !fill()) {
+        broken = true;
         return -1;
+    }
     const std::size_t count = std::min(size, end - next);
     std::memcpy(to, buffer.data() + next, count);
     next += count;
@@ -101,9 +103,10 @@ ssize_t deadlineStream::read(char *to, std::size_t size)
 
 ssize_t deadlineStream::write(const char *from, std::size_t size)
 {
-    if (!poll(POLLOUT, deadline))
-        return -1;
-    return ::send(handle, from, size, MSG_NOSIGNAL | MSG_DONTWAIT);
+    const ssize_t sent =
+        poll(POLLOUT, deadline) ? ::send(handle, from, size, MSG_NOSIGNAL | MSG_DONTWAIT) : -1;
+    broken = broken || sent < 0;
+    return sent;
 }
 
 void deadlineStream::get_remote_ip_and_port(std::string &ip, int &port) const

@@ -25,6 +25,10 @@ public:
     /// The request that begins now ends by @p until and has at most @p bytes.
     void beginRequest(clock::time_point until, std::size_t bytes);
 
+    /// Whether a request could not be read, or answered, in its time or size. What follows on the
+    /// connection makes no sense then.
+    bool isBroken() const { return broken; }
+
     bool is_readable() const override;
     bool is_writable() const override;
     ssize_t read(char *to, std::size_t size) override;
@@ -45,4 +49,5 @@ private:
     std::array<char, 4096> buffer;
     std::size_t next = 0;
     std::size_t end = 0;
+    bool broken = false;
 };
