@@ -133,6 +133,11 @@ void readMachines(QIODevice &device, QVector<benchResults> &machines)
 
 void writeMachine(QXmlStreamWriter &xml, const benchResults &machine)
 {
+    writeMachine(xml, machine, wholeHertz(machine.getFrequency()));
+}
+
+void writeMachine(QXmlStreamWriter &xml, const benchResults &machine, quint64 hertz)
+{
     const auto attribute = [&xml](const char *name, const QString &value) {
         xml.writeAttribute(QString::fromLatin1(name), xmlText(value));
     };
@@ -140,7 +145,7 @@ void writeMachine(QXmlStreamWriter &xml, const benchResults &machine)
     attribute("machineName", machine.getName());
     attribute("os", machine.getOs());
     attribute("cpu", machine.getCpu());
-    attribute("clock", QString::number(wholeHertz(machine.getFrequency())));
+    attribute("clock", QString::number(hertz));
     attribute("threadCount", QString::number(machine.getThreads()));
     const QMap<QString, benchResults::test> &tests = machine.getTests();
     for (auto test = tests.begin(); test != tests.end(); ++test) {

@@ -25,3 +25,7 @@ void readMachines(QIODevice &device, QVector<benchResults> &machines);
 /// count as whole numbers, results with six significant digits. Characters that XML cannot hold
 /// are replaced.
 void writeMachine(QXmlStreamWriter &xml, const benchResults &machine);
+
+/// The same with a clock of @p hertz: the record's own clock is a float, which cannot hold every
+/// whole number of hertz.
+void writeMachine(QXmlStreamWriter &xml, const benchResults &machine, quint64 hertz);
