@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/commandLine.h"
 
+#include "data/httpDatabase.h"
+
 #include <QCommandLineParser>
 
 #include <algorithm>
@@ -24,6 +26,17 @@ const QCommandLineOption
     timeOption(QStringLiteral("time"),
                QStringLiteral("Whole seconds that each test runs; 8 if absent."),
                QStringLiteral("SECONDS"));
+const QCommandLineOption
+    uploadOption(QStringLiteral("upload"),
+                 QStringLiteral("Upload the results of a full run to the online database."));
+const QCommandLineOption
+    noUploadOption(QStringLiteral("no-upload"),
+                   QStringLiteral("Keep them on this machine, as if --upload was absent. The later "
+                                  "one of the two counts."));
+const QCommandLineOption serverOption(
+    QStringLiteral("server"),
+    QStringLiteral("The online database; %1 if absent.").arg(httpDatabase::defaultHost()),
+    QStringLiteral("HOST[:PORT]"));
 
 commandLine withMessage(commandLine::action action, const QString &message)
 {
@@ -61,6 +74,31 @@ int testTimeOf(const QString &text)
     return isNumber && seconds >= 1 && seconds <= longest ? seconds * 1000 : 0;
 }
 
+/// Reads what concerns the online database into @p command, the rest of which is complete. A
+/// sentence that says what is wrong, or an empty text.
+QString readExchange(const QCommandLineParser &parser, commandLine &command)
+{
+    command.server = httpDatabase::defaultHost();
+    if (parser.isSet(serverOption)) {
+        command.server = parser.value(serverOption);
+        if (!httpDatabase::isHost(command.server))
+            return QStringLiteral("--server takes HOST or HOST:PORT, not '%1'").arg(command.server);
+    }
+    const QStringList names = parser.optionNames();
+    command.isUpload = names.lastIndexOf(uploadOption.names().first())
+                       > names.lastIndexOf(noUploadOption.names().first());
+    if (!command.isUpload)
+        return {};
+    if (command.wanted != commandLine::runFull)
+        return QStringLiteral("only the results of a full run are uploaded; --upload cannot go "
+                              "with --test");
+    if (command.testTime != benchBase::standardTestTime)
+        return QStringLiteral("only results of %1 seconds per test are uploaded; --upload cannot "
+                              "go with another --time")
+            .arg(benchBase::standardTestTime / 1000);
+    return {};
+}
+
 commandLine readRun(const QCommandLineParser &parser, const QStringList &testNames,
                     const QStringList &resolutionNames)
 {
@@ -93,7 +131,8 @@ commandLine readRun(const QCommandLineParser &parser, const QStringList &testNam
                                .arg(parser.value(timeOption)));
         }
     }
-    return result;
+    const QString problem = readExchange(parser, result);
+    return problem.isEmpty() ? result : errorOf(problem);
 }
 
 } // namespace
@@ -106,7 +145,8 @@ commandLine parseCommandLine(const QStringList &arguments, const QStringList &te
         "Fennick, a CPU benchmark, without a window. Without options it does a full run."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
-    parser.addOptions({listOption, testOption, resolutionOption, timeOption});
+    parser.addOptions({listOption, testOption, resolutionOption, timeOption, uploadOption,
+                       noUploadOption, serverOption});
 
     if (!parser.parse(arguments))
         return errorOf(parser.errorText());

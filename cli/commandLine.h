@@ -19,6 +19,8 @@ struct commandLine {
     QStringList tests;  ///< exact names, in the order given
     QString resolution; ///< "widthxheight", empty for the standard resolution
     int testTime = benchBase::standardTestTime; ///< milliseconds
+    bool isUpload = false;                      ///< a full run's results go to the online database
+    QString server;                             ///< its "host" or "host:port"
     QString message;
 };
 

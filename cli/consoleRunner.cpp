@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
 
+#include "data/httpDatabase.h"
+
 #include <csignal>
 #include <cstdio>
 
@@ -35,6 +37,22 @@ void write(const QString &text, std::FILE *stream)
     std::fputs(text.toLocal8Bit().constData(), stream);
 }
 
+/// The exit code of a full run and of what follows it.
+int runFull(const commandLine &command, benchBase &runner)
+{
+    if (runner.runBenchmark())
+        return exitInterrupted;
+    if (command.testTime != benchBase::standardTestTime) {
+        runner.print(
+            QStringLiteral("Only results of %1s per test are stored or uploaded, these are "
+                           "not\n")
+                .arg(benchBase::standardTestTime / 1000));
+        return exitSuccess;
+    }
+    runner.storeUserData();
+    return !command.isUpload || runner.uploadResults() ? exitSuccess : exitFailure;
+}
+
 } // namespace
 
 int runTests(const commandLine &command, benchBase &runner, stopHook &stop)
@@ -43,7 +61,7 @@ int runTests(const commandLine &command, benchBase &runner, stopHook &stop)
     runner.loadUserData();
     runner.setTestTime(command.testTime);
     if (command.wanted == commandLine::runFull)
-        return runner.runBenchmark() ? exitInterrupted : exitSuccess;
+        return runFull(command, runner);
 
     bool isComplete = true;
     for (const QString &name : command.tests) {
@@ -75,6 +93,7 @@ int runConsole(const QStringList &arguments)
         break;
     }
     interruptHook stop;
-    benchBase runner(nullptr, &stop, nullptr);
+    benchBase runner(nullptr, &stop, nullptr, makeSuite(nullptr),
+                     std::make_unique<httpDatabase>(command.server));
     return runTests(command, runner, stop);
 }

@@ -245,21 +245,22 @@ void benchDataAccess::removeUserData()
     print(QStringLiteral("Remove user benchmark data\n"));
 }
 
-void benchDataAccess::uploadResults()
+bool benchDataAccess::uploadResults()
 {
     bool ok = true;
     const QString directory = userDataDirectory(ok);
     if (!ok) {
         print(QStringLiteral("Can't upload results (directory) found\n"));
-        return;
+        return false;
     }
-    QByteArray content("");
     QFile file(directory + userDataName());
+    QByteArray xml;
+    // The database is told of a machine without results too.
     if (file.open(QIODevice::ReadOnly | QIODevice::Text))
-        content = QString::fromUtf8(file.read(maximumXmlSize)).toUtf8();
-    else // and go on: the database may want to know
+        xml = QString::fromUtf8(file.read(maximumXmlSize)).toUtf8();
+    else
         print(QStringLiteral("Can't upload: no user results found\n"));
-    print(online->request(onlineDatabase::storeResults, content)
-              ? QStringLiteral("Upload results\n")
-              : QStringLiteral("Can't upload results\n"));
+    const bool isTaken = online->request(onlineDatabase::storeResults, xml);
+    print(isTaken ? QStringLiteral("Upload results\n") : QStringLiteral("Can't upload results\n"));
+    return isTaken;
 }

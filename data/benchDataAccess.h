@@ -40,7 +40,9 @@ public:
     void storeUserData();
     /// Removes what was stored; the list in memory stays as it is.
     void removeUserData();
-    void uploadResults();
+    /// Sends what was stored, or nothing where there is nothing. False if the database did not take
+    /// it.
+    bool uploadResults();
 
     /// Opens @p device and appends the machines of its XML. Nothing happens if it cannot be opened.
     void parseXml(QIODevice &device);

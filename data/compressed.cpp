@@ -5,7 +5,7 @@
 
 #include <array>
 
-#define ZLIB_CONST // its input is not written to
+#define ZLIB_CONST
 #include <zlib.h>
 
 namespace
@@ -13,38 +13,36 @@ namespace
 
 constexpr int lengthBytes = 4;
 
-/// Whether @p packed, a zlib stream, is complete and holds at most @p maximumSize bytes. What it
-/// holds is thrown away.
-bool isBounded(const QByteArray &packed, qint64 maximumSize)
+/// Whether the zlib stream in @p size bytes at @p data is complete and holds at most @p maximumSize
+/// bytes. What it holds is thrown away.
+bool isBounded(const char *data, int size, qint64 maximumSize)
 {
-    std::array<unsigned char, 16 * 1024>
-        window; // not filled in: inflate writes before anyone reads
+    std::array<Bytef, 16 * 1024> window{};
     z_stream stream{};
     if (inflateInit(&stream) != Z_OK)
         return false;
-    stream.next_in = reinterpret_cast<const Bytef *>(packed.constData());
-    stream.avail_in = static_cast<uInt>(packed.size());
+    stream.next_in = reinterpret_cast<const Bytef *>(data);
+    stream.avail_in = static_cast<uInt>(size);
+    qint64 unpacked = 0;
     int state = Z_OK;
-    while (state == Z_OK && static_cast<qint64>(stream.total_out) <= maximumSize) {
+    while (state == Z_OK && unpacked <= maximumSize) {
         stream.next_out = window.data();
         stream.avail_out = static_cast<uInt>(window.size());
         state = inflate(&stream, Z_NO_FLUSH);
+        unpacked += static_cast<qint64>(window.size()) - stream.avail_out;
     }
-    const bool isIn = static_cast<qint64>(stream.total_out) <= maximumSize;
     inflateEnd(&stream);
-    return state == Z_STREAM_END && isIn;
+    return state == Z_STREAM_END && unpacked <= maximumSize;
 }
 
 } // namespace
 
 QByteArray uncompressed(const QByteArray &packed, qint64 maximumSize)
 {
-    // The length in front may be a lie in both directions: qUncompress would ask for that much
-    // memory at once, or double what it has until all fits.
+    // The length in front may lie in both directions: qUncompress asks for that much memory at
+    // once, and doubles what it has until all fits.
     if (packed.size() <= lengthBytes || qFromBigEndian<quint32>(packed.constData()) > maximumSize
-        || !isBounded(
-            QByteArray::fromRawData(packed.constData() + lengthBytes, packed.size() - lengthBytes),
-            maximumSize))
+        || !isBounded(packed.constData() + lengthBytes, packed.size() - lengthBytes, maximumSize))
         return {};
     return qUncompress(packed);
 }

@@ -5,19 +5,16 @@
 #include <QUrl>
 #include <QUrlQuery>
 
-QByteArray formBody(const QByteArray &type, const QByteArray &results)
+QByteArray formBody(const QVector<QPair<QByteArray, QByteArray>> &items)
 {
     QUrlQuery query;
-    const auto add = [&query](const char *key, const QByteArray &value) {
-        // The query would leave a plus sign as it is, which forms read as a blank, and take "%41"
-        // for something encoded already.
-        query.addQueryItem(QString::fromLatin1(key),
-                           QString::fromLatin1(value.toPercentEncoding()));
-    };
-    add("app", "Fennick");
-    add("type", type);
-    if (!results.isNull())
-        add("results", results);
+    for (const auto &[key, value] : items) {
+        // The query alone would leave a plus sign as it is, which forms read as a blank, and would
+        // take "%41" for something that is encoded already.
+        // A null value would lose its equals sign.
+        query.addQueryItem(QString::fromUtf8(key),
+                           QLatin1String("") + QString::fromLatin1(value.toPercentEncoding()));
+    }
     QUrl url;
     url.setQuery(query);
     return url.toEncoded(QUrl::FullyEncoded);

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QPair>
+#include <QVector>
 
-/// The body of a request to the result database: a question mark, then the items app, type and,
-/// unless it is null, @p results (UTF-8), each percent-encoded but for letters, digits and "-._~".
-QByteArray formBody(const QByteArray &type, const QByteArray &results);
+/// A form in the way the result database reads it: a question mark, then the items (UTF-8) in their
+/// order as key=value, joined by ampersands. In the values, all bytes but letters, digits and
+/// "-._~" are percent-encoded.
+QByteArray formBody(const QVector<QPair<QByteArray, QByteArray>> &items);

@@ -6,15 +6,19 @@
 #include "data/formBody.h"
 
 #include <QEventLoop>
+#include <QIODevice>
 #include <QNetworkAccessManager>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace
 {
 
-/// The word for a request in the form, or null for a number that means none.
+/// The word for a request in its form, empty for a number that means none.
 QByteArray typeOf(int requested)
 {
     switch (requested) {
@@ -29,6 +33,46 @@ QByteArray typeOf(int requested)
     default:
         return {};
     }
+}
+
+/// A body that can be read once. The toolkit would send others again, up to three times, to a
+/// server that closes the connection without a reply, and results would be stored as often. Going
+/// back to the start must not fail: the toolkit does it, and drops the reply if it cannot, also
+/// where the end of the connection is the end of the reply. (A QBuffer's content is taken without
+/// asking it.)
+class onceOnly : public QIODevice
+{
+public:
+    explicit onceOnly(const QByteArray &body) : content(body) { open(ReadOnly | Unbuffered); }
+    qint64 size() const override { return content.size(); }
+
+protected:
+    qint64 readData(char *data, qint64 maximumSize) override
+    {
+        if (pos() < readSoFar)
+            return -1;
+        const qint64 count = std::min(maximumSize, content.size() - pos());
+        std::copy_n(content.constData() + pos(), count, data);
+        readSoFar = pos() + count;
+        return count;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    QByteArray content;
+    qint64 readSoFar = 0;
+};
+
+QNetworkRequest formRequest(const QString &endpoint)
+{
+    QNetworkRequest request{QUrl(endpoint)};
+    request.setHeader(QNetworkRequest::ContentTypeHeader,
+                      QStringLiteral("application/x-www-form-urlencoded"));
+    // Otherwise the toolkit offers to unpack replies by itself, without a limit.
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::ManualRedirectPolicy);
+    return request;
 }
 
 } // namespace
@@ -48,47 +92,61 @@ QString httpDatabase::defaultHost()
     return QStringLiteral(FENNICK_RESULT_HOST);
 }
 
+bool httpDatabase::isHost(const QString &text)
+{
+    const QUrl url(QStringLiteral("http://%1").arg(text), QUrl::StrictMode);
+    return url.isValid() && !url.host().isEmpty() && url.port(1) != 0
+           && !text.endsWith(QLatin1Char(':'))
+           && url
+                  == QUrl(url.url(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery
+                                  | QUrl::RemoveFragment));
+}
+
 bool httpDatabase::request(int requested, QByteArray &data)
 {
     const QByteArray type = typeOf(requested);
-    if (type.isNull())
+    if (type.isEmpty())
         return false;
-    const bool isUpload = requested == storeResults;
-    const bool isVersion = requested == referenceVersion;
-    const QByteArray results = isUpload && data.isNull() ? QByteArray("") : data;
-    bool ok = false;
-    const QByteArray reply = post(formBody(type, isUpload ? results : QByteArray()),
-                                  isVersion ? limit.version : limit.others, ok);
-    if (!ok || isUpload)
-        return ok;
-    data = isVersion ? reply : uncompressed(reply, maximumXmlSize);
+    QVector<QPair<QByteArray, QByteArray>> items = {{"app", "Fennick"}, {"type", type}};
+    if (requested == storeResults)
+        items.append({"results", data});
+    QByteArray reply;
+    if (!post(formBody(items), requested == referenceVersion ? limit.version : limit.others, reply))
+        return false;
+    if (requested == storeResults)
+        return true;
+    data = requested == referenceVersion ? reply : uncompressed(reply, maximumXmlSize);
     return !data.isEmpty();
 }
 
-QByteArray httpDatabase::post(const QByteArray &body, int timeOut, bool &ok)
+bool httpDatabase::post(const QByteArray &body, int timeOut, QByteArray &reply)
 {
-    ok = false;
-    if (!network)
+    if (!network) {
         network = std::make_unique<QNetworkAccessManager>();
-    QNetworkRequest request{QUrl(endpoint)};
-    request.setHeader(QNetworkRequest::ContentTypeHeader,
-                      QStringLiteral("application/x-www-form-urlencoded"));
-    const std::unique_ptr<QNetworkReply> reply(network->post(request, body));
-    if (!reply)
-        return {};
-
+        // Not even a proxy is read from the environment.
+        network->setProxy(QNetworkProxy::NoProxy);
+    }
+    onceOnly upload(body);
+    const std::unique_ptr<QNetworkReply> answer(network->post(formRequest(endpoint), &upload));
+    if (!answer)
+        return false;
     QEventLoop loop;
-    QObject::connect(network.get(), &QNetworkAccessManager::finished, &loop, &QEventLoop::quit);
+    QObject::connect(network.get(), &QNetworkAccessManager::finished, &loop,
+                     [&loop, &answer](const QNetworkReply *finished) {
+                         if (finished == answer.get())
+                             loop.quit();
+                     });
     QTimer::singleShot(timeOut, &loop, &QEventLoop::quit);
-    // No list is that long; without an end, a reply could fill the memory within the time-out.
-    reply->setReadBufferSize(maximumXmlSize + 1);
-    QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
-        if (reply->bytesAvailable() > maximumXmlSize)
-            reply->abort();
+    // No list is that long, and without an end a reply would fill the memory.
+    answer->setReadBufferSize(maximumXmlSize + 1);
+    QObject::connect(answer.get(), &QNetworkReply::readyRead, &loop, [&answer] {
+        if (answer->bytesAvailable() > maximumXmlSize)
+            answer->abort();
     });
-    if (!reply->isFinished())
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
 
-    ok = reply->error() == QNetworkReply::NoError;
-    return ok ? reply->readAll() : QByteArray();
+    if (answer->error() != QNetworkReply::NoError)
+        return false;
+    reply = answer->readAll();
+    return true;
 }

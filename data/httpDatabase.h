@@ -9,17 +9,17 @@
 
 class QNetworkAccessManager;
 
-/// The online result database behind HTTP.
+/// The online result database behind plain HTTP, one POST per request.
 ///
-/// A request waits in an event loop of its own: windows are repainted and may be closed meanwhile,
-/// but keys and clicks are held back until it is over.
+/// A request waits in an event loop of its own: windows are repainted meanwhile, but keys, clicks
+/// and the user's closing of a window are held back until it is over.
 class httpDatabase : public onlineDatabase
 {
 public:
-    /// How long a request waits for its reply, in milliseconds.
+    /// How long a request waits, in milliseconds.
     struct timeOuts {
-        int version = 7'000;
-        int others = 30'000;
+        int version = 7000;
+        int others = 30000;
     };
 
     /// @p host as "name" or "name:port". Nothing is sent before the first request.
@@ -29,15 +29,19 @@ public:
 
     /// Where this build looks for the database (FENNICK_RESULT_HOST).
     static QString defaultHost();
+    /// Whether @p text is a host, with or without a port, and nothing else.
+    static bool isHost(const QString &text);
 
     bool request(int requested, QByteArray &data) override;
 
 private:
-    /// The body of the reply as it was received, or null for an error. After a time-out this is
-    /// what has come so far, and no error.
-    QByteArray post(const QByteArray &body, int timeOut, bool &ok);
+    /// False for an error, or for a reply that is too long. After a time-out, @p reply is what has
+    /// come by then, and that is no error.
+    bool post(const QByteArray &body, int timeOut, QByteArray &reply);
 
     QString endpoint;
     timeOuts limit;
+    /// Lives longer than a request: the end of its thread has to wait for a server that never comes
+    /// to the end of a header.
     std::unique_ptr<QNetworkAccessManager> network;
 };

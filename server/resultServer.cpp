@@ -118,10 +118,8 @@ answer resultServer::upload(const QByteArray &xml, const std::string &address)
         writeLog(QStringLiteral("upload refused"));
         return refusal(checked.isReadable ? 422 : 400, checked.reason);
     }
-    if (!store.add(uploadOf(checked.machine, QDateTime::currentMSecsSinceEpoch()))) {
-        writeLog(QStringLiteral("upload not stored"));
+    if (!store.add(uploadOf(checked.machine, QDateTime::currentMSecsSinceEpoch())))
         return unavailable();
-    }
     return refusal(200, QStringLiteral("thank you"));
 }
 

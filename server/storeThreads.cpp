@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/storeThreads.h"
 
+#include "server/log.h"
+
 namespace
 {
 
@@ -62,9 +64,12 @@ void storeThreads::serveWrites()
         lock.unlock();
         bool isStored = store.open() && store.add(uploads);
         if (!isStored) { // the connection may be the one of a database that has been restarted
+            writeLog(QStringLiteral("storing again after: %1").arg(store.error()));
             store.close();
             isStored = store.open() && store.add(uploads);
         }
+        if (!isStored)
+            writeLog(QStringLiteral("not stored: %1").arg(store.error()));
         for (writeJob &job : batch)
             job.isStored.set_value(isStored);
         lock.lock();

@@ -14,14 +14,15 @@
 
 #include <algorithm>
 
-MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests)
+MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
+                       std::unique_ptr<onlineDatabase> database)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>())
 {
     ui->setupUi(this);
     ui->calcComboBox->setMinimumHeight(0);
     ui->resolutionComboBox->setMinimumHeight(0);
-    runner = std::make_unique<benchBase>(this, this, this, tests(this));
+    runner = std::make_unique<benchBase>(this, this, this, tests(this), std::move(database));
     setWindowTitle(runner->getTitle());
     fillChoosers();
     addDisplay();

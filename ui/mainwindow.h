@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/onlineDatabase.h"
 #include "engine/hooks.h"
 #include "tests/suite.h"
 #include "ui/runStateNotifier.h"
@@ -31,8 +32,10 @@ class MainWindow : public QMainWindow, public updateHook, public printHook, publ
 public:
     using suiteFactory = std::function<suite(printHook *)>;
 
-    /// @p tests makes the suite that the window runs.
-    explicit MainWindow(QWidget *parent = nullptr, const suiteFactory &tests = makeSuite);
+    /// @p tests makes the suite that the window runs. Without @p database there is no online
+    /// database.
+    explicit MainWindow(QWidget *parent = nullptr, const suiteFactory &tests = makeSuite,
+                        std::unique_ptr<onlineDatabase> database = nullptr);
     ~MainWindow() override;
 
     void updateStart(testBase *test) override;

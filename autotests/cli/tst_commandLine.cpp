@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/commandLine.h"
 
+#include "data/httpDatabase.h"
+
 #include <QtTest>
 
 namespace
@@ -32,6 +34,9 @@ private slots:
     void tests_data();
     void tests();
     void everything();
+    void upload_data();
+    void upload();
+    void server();
     void errors_data();
     void errors();
     void messages_data();
@@ -81,6 +86,42 @@ void tst_commandLine::everything()
     QCOMPARE(full.testTime, 1000);
 }
 
+void tst_commandLine::upload_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<bool>("isUpload");
+    const auto row = [](const char *arguments, bool isUpload) {
+        QTest::newRow(arguments) << QString::fromLatin1(arguments) << isUpload;
+    };
+    row("", false);
+    row("--upload", true);
+    row("--no-upload", false);
+    row("--upload|--no-upload", false);
+    row("--no-upload|--upload", true);
+    row("--upload|--no-upload|--upload", true);
+    row("--upload|--time|8", true);
+    row("--upload|--server|a", true);
+    // What is not to be uploaded may be anything.
+    row("--upload|--no-upload|--time|9", false);
+    row("--upload|--no-upload|--test|mandel", false);
+}
+
+void tst_commandLine::upload()
+{
+    QFETCH(QString, arguments);
+    const commandLine command = parse(arguments.split(QLatin1Char('|'), Qt::SkipEmptyParts));
+    QVERIFY(command.wanted != commandLine::showError);
+    QTEST(command.isUpload, "isUpload");
+}
+
+void tst_commandLine::server()
+{
+    QCOMPARE(parse({}).server, httpDatabase::defaultHost());
+    QCOMPARE(parse(words("--server|a.example:80")).server, QStringLiteral("a.example:80"));
+    QCOMPARE(parse(words("--server|a|--server|[::1]:80|--test|mandel")).server,
+             QStringLiteral("[::1]:80"));
+}
+
 void tst_commandLine::errors_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -99,6 +140,18 @@ void tst_commandLine::errors_data()
         QTest::addRow("time '%s'", time)
             << QStringList({QStringLiteral("--time"), QString::fromLatin1(time)})
             << QStringLiteral("not '%1'").arg(QString::fromLatin1(time));
+    }
+    QTest::newRow("upload of one test")
+        << words("--upload|--test|mandel") << QStringLiteral("--upload cannot go with --test");
+    for (const char *time : {"7", "9"}) {
+        QTest::addRow("upload of %s s", time)
+            << (words("--upload|--time") << QString::fromLatin1(time))
+            << QStringLiteral("only results of 8 seconds per test");
+    }
+    for (const char *host : {"", "a/b", "http://a", "a:0", "a b", "%1"}) {
+        QTest::addRow("server '%s'", host)
+            << QStringList({QStringLiteral("--server"), QString::fromLatin1(host)})
+            << QStringLiteral("not '%1'").arg(QString::fromLatin1(host));
     }
     QTest::newRow("no value") << words("--test") << QStringLiteral("--test");
     QTest::newRow("unknown option") << words("--fast") << QStringLiteral("fast");
@@ -121,7 +174,8 @@ void tst_commandLine::messages_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("part");
     QTest::newRow("version") << words("--version") << QStringLiteral("fennick-cli 26.0\n");
-    for (const char *option : {"--list", "--test", "--resolution", "--time", "--version", "--help"})
+    for (const char *option : {"--list", "--test", "--resolution", "--time", "--upload",
+                               "--no-upload", "--server", "--version", "--help"})
         QTest::addRow("help has %s", option) << words("--help") << QString::fromLatin1(option);
     QTest::newRow("list") << words("--list")
                           << QStringLiteral("Tests:\n  mandel\n  mandel (multicore)\n  colors \n"

@@ -2,6 +2,7 @@
 #include "cli/consoleRunner.h"
 
 #include "support/dataDirectory.h"
+#include "support/fakeServer.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
 
@@ -16,6 +17,31 @@ namespace
 const QString a = QStringLiteral("a");
 const QString b = QStringLiteral("b");
 
+/// A server that does not exist: these tests stay on this machine.
+const QString nobody = QStringLiteral("--server=127.0.0.1:1");
+
+const QString userFile = QStringLiteral("user_data.xml");
+
+/// Counts the uploads, and takes them if it is told to.
+class fakeOnline : public onlineDatabase
+{
+public:
+    fakeOnline(int *uploadCount, const bool *isTakingUploads)
+        : uploads(uploadCount),
+          isTaking(isTakingUploads)
+    {
+    }
+    bool request(int requested, QByteArray &) override
+    {
+        *uploads += requested == storeResults ? 1 : 0;
+        return requested == storeResults && *isTaking;
+    }
+
+private:
+    int *uploads;
+    const bool *isTaking;
+};
+
 /// A runner over two fakes, stopped on request.
 class console : public textLog, public stopHook
 {
@@ -28,7 +54,8 @@ public:
             fakes.append(static_cast<fakeTest *>(tests.back().get()));
             fakes.last()->onRun = [] { QTest::qSleep(70); };
         }
-        runner = std::make_unique<benchBase>(this, this, nullptr, std::move(tests));
+        runner = std::make_unique<benchBase>(this, this, nullptr, std::move(tests),
+                                             std::make_unique<fakeOnline>(&uploads, &isTaking));
     }
     bool isStopRequested() override { return isStopped; }
 
@@ -41,7 +68,19 @@ public:
         return runTests(command, *runner, *this);
     }
 
+    /// A full run of standard length, in no time.
+    int runStandard(bool isUpload)
+    {
+        for (fakeTest *fake : qAsConst(fakes))
+            fake->canSetup = false;
+        commandLine command;
+        command.isUpload = isUpload;
+        return runTests(command, *runner, *this);
+    }
+
     bool isStopped = false;
+    int uploads = 0;
+    bool isTaking = true;
     QStringList events;
     QVector<fakeTest *> fakes;
     std::unique_ptr<benchBase> runner;
@@ -87,7 +126,14 @@ class tst_consoleRunner : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { directory = std::make_unique<dataDirectory>(); }
+    void cleanup() { directory.reset(); }
+
     void fullRun();
+    void fullRunIsStored();
+    void fullRunIsUploaded();
+    void failedUpload();
+    void stoppedIsNotStored();
     void namedTests();
     void failedTest();
     void stopped();
@@ -95,11 +141,12 @@ private slots:
     void programListsAndExits_data();
     void programListsAndExits();
     void programRunsATest();
+    void programAsksTheServer();
     void programIsInterrupted();
     void programHasNoWidgets();
 
 private:
-    dataDirectory directory;
+    std::unique_ptr<dataDirectory> directory;
 };
 
 void tst_consoleRunner::fullRun()
@@ -109,8 +156,48 @@ void tst_consoleRunner::fullRun()
     QVERIFY(c.text.contains(QStringLiteral("Use internal benchmark DB\n")));
     QVERIFY(c.text.contains(QStringLiteral("Found no local user benchmark data\n")));
     QVERIFY(c.text.contains(QStringLiteral("Start Benchmark (0s per Test (2)")));
-    QVERIFY(c.text.endsWith(QStringLiteral("Benchmark finished\n")));
+    QVERIFY(c.text.endsWith(
+        QStringLiteral("Benchmark finished\n"
+                       "Only results of 8s per test are stored or uploaded, these are not\n")));
     QVERIFY(c.events.contains(QStringLiteral("b.run")));
+    QVERIFY(directory->read(userFile).isNull());
+    QCOMPARE(c.uploads, 0);
+}
+
+void tst_consoleRunner::fullRunIsStored()
+{
+    console c;
+    QCOMPARE(c.runStandard(false), int(exitSuccess));
+    QVERIFY(c.text.endsWith(QStringLiteral("Benchmark finished\nStore userdata\n")));
+    QVERIFY(directory->read(userFile).contains("<test name=\"b\""));
+    QCOMPARE(c.uploads, 0);
+}
+
+void tst_consoleRunner::fullRunIsUploaded()
+{
+    console c;
+    QCOMPARE(c.runStandard(true), int(exitSuccess));
+    QVERIFY(
+        c.text.endsWith(QStringLiteral("Benchmark finished\nStore userdata\nUpload results\n")));
+    QCOMPARE(c.uploads, 1);
+}
+
+void tst_consoleRunner::failedUpload()
+{
+    console c;
+    c.isTaking = false;
+    QCOMPARE(c.runStandard(true), int(exitFailure));
+    QVERIFY(c.text.endsWith(QStringLiteral("Store userdata\nCan't upload results\n")));
+    QVERIFY(!directory->read(userFile).isNull());
+}
+
+void tst_consoleRunner::stoppedIsNotStored()
+{
+    console c;
+    c.isStopped = true;
+    QCOMPARE(c.runStandard(true), int(exitInterrupted));
+    QVERIFY(directory->read(userFile).isNull());
+    QCOMPARE(c.uploads, 0);
 }
 
 void tst_consoleRunner::namedTests()
@@ -159,6 +246,12 @@ void tst_consoleRunner::programListsAndExits_data()
     QTest::newRow("help") << option("--help") << 0 << QStringLiteral("--resolution <WxH>");
     QTest::newRow("unknown test") << option("--test=no") << 2 << QStringLiteral("  mandel\n");
     QTest::newRow("bad time") << option("--time=0") << 2 << QStringLiteral("--time");
+    QTest::newRow("upload of a test")
+        << QStringList({QStringLiteral("--upload"), QStringLiteral("--test=mandel")}) << 2
+        << QStringLiteral("--test");
+    QTest::newRow("upload of another time")
+        << QStringList({QStringLiteral("--upload"), QStringLiteral("--time=1")}) << 2
+        << QStringLiteral("8 seconds");
     QTest::newRow("unknown option") << option("--nope") << 2 << QStringLiteral("nope");
 }
 
@@ -180,7 +273,7 @@ void tst_consoleRunner::programListsAndExits()
 void tst_consoleRunner::programRunsATest()
 {
     program p({QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
-               QStringLiteral("--resolution=320x240")});
+               QStringLiteral("--resolution=320x240"), nobody});
     QCOMPARE(p.exitCode(), 0);
     QVERIFY(p.out.startsWith(QStringLiteral("Found ")));
     QVERIFY(p.out.contains(
@@ -188,10 +281,25 @@ void tst_consoleRunner::programRunsATest()
     QVERIFY(p.out.contains(QStringLiteral("/s MPixel (avg ")));
 }
 
+void tst_consoleRunner::programAsksTheServer()
+{
+    const fakeServer server(sending(httpReply("1")));
+    QProcess process;
+    process.start(QStringLiteral(FENNICK_CLI),
+                  {QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
+                   QStringLiteral("--resolution=320x240"),
+                   QStringLiteral("--server=%1").arg(server.host())});
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 120'000);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(server.requests.size(), 1);
+    QVERIFY(
+        process.readAllStandardOutput().contains("Online database has version 1 (local 1010)\n"));
+}
+
 void tst_consoleRunner::programIsInterrupted()
 {
 #ifdef Q_OS_UNIX
-    program p({QStringLiteral("--time=600")});
+    program p({QStringLiteral("--time=600"), nobody});
     QVERIFY(p.waitFor(QStringLiteral("Test ")));
     ::kill(static_cast<pid_t>(p.process.processId()), SIGINT);
     QCOMPARE(p.exitCode(), 130);

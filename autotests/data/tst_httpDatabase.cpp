@@ -1,480 +1,462 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/httpDatabase.h"
 
-#include "data/benchDataAccess.h"
 #include "data/benchXml.h"
-#include "data/compressed.h"
-#include "data/formBody.h"
+#include "support/fakeServer.h"
+#include "support/formDecoder.h"
+#include "support/peakMemory.h"
+#include "support/zlibStream.h"
 
-#include "support/dataDirectory.h"
-#include "support/fakeWebServer.h"
-#include "support/textLog.h"
-
-#include <QBuffer>
 #include <QElapsedTimer>
-#include <QtEndian>
 #include <QtTest>
-
-#include <array>
-
-#include <sys/resource.h>
-#include <zlib.h>
 
 namespace
 {
 
-const QByteArray list = "<Fennick><bench machineName=\"online\" os=\"linux\"/></Fennick>";
-const QByteArray nastyName = "a+b%41%zz&c=d\"e'f\ng\r\nh \xC3\x9C\xE4\xB8\xAD\xF0\x9F\x90\xA7;/?#";
-constexpr httpDatabase::timeOuts shortTimes{300, 400};
+constexpr int shortTime = 200;
+/// For what must end by itself, long before.
+constexpr int longTime = 60'000;
 
-/// Percent-decoding as a server does it, by hand.
-QByteArray decoded(const QByteArray &text)
+const QByteArray list = "<Fennick><bench machineName=\"Online\"/></Fennick>";
+
+constexpr int far = 200 * 1024 * 1024;
+
+const QByteArray &farStream()
 {
-    QByteArray result;
-    for (int i = 0; i < text.size(); ++i) {
-        if (text.at(i) == '%') {
-            result.append(static_cast<char>(text.mid(i + 1, 2).toInt(nullptr, 16)));
-            i += 2;
-        } else {
-            result.append(text.at(i) == '+' ? ' ' : text.at(i));
-        }
-    }
-    return result;
+    static const QByteArray stream = longStream(far);
+    return stream;
 }
 
-QMap<QByteArray, QByteArray> itemsOf(const QByteArray &body)
-{
-    QMap<QByteArray, QByteArray> items;
-    for (const QByteArray &item : body.mid(1).split('&'))
-        items.insert(item.left(item.indexOf('=')), decoded(item.mid(item.indexOf('=') + 1)));
-    return items;
-}
+constexpr int allRequests[] = {onlineDatabase::referenceVersion, onlineDatabase::reference,
+                               onlineDatabase::betaReference, onlineDatabase::storeResults};
 
-QByteArray withLength(quint32 length, const QByteArray &packed)
-{
-    QByteArray result = packed;
-    qToBigEndian(length, result.data());
-    return result;
-}
-
-/// 200 MB of blanks in the packed form, made without ever holding them.
-QByteArray packedBlanks()
-{
-    QByteArray result(4, '\0');
-    QByteArray piece(1'000'000, ' ');
-    std::array<unsigned char, 64 * 1024> out{};
-    z_stream stream{};
-    deflateInit(&stream, 1);
-    for (int i = 1; i <= 200; ++i) {
-        stream.next_in = reinterpret_cast<Bytef *>(piece.data());
-        stream.avail_in = static_cast<uInt>(piece.size());
-        do {
-            stream.next_out = out.data();
-            stream.avail_out = static_cast<uInt>(out.size());
-            deflate(&stream, i == 200 ? Z_FINISH : Z_NO_FLUSH);
-            result.append(reinterpret_cast<const char *>(out.data()),
-                          static_cast<int>(out.size() - stream.avail_out));
-        } while (stream.avail_out == 0);
-    }
-    deflateEnd(&stream);
-    return result;
-}
-
-long peakMebibytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024;
-}
-
-/// A data access with a list of its own stored, in front of a server.
-struct fixture {
-    fixture()
-    {
-        directory.write(QStringLiteral("db.xml"), storedList);
-        directory.write(QStringLiteral("db_version"), "1020");
-        data = std::make_unique<benchDataAccess>(
-            &log, QVector<testBase *>(), std::make_unique<httpDatabase>(server.host(), shortTimes));
-    }
-    bool isStoredListIntact() const
-    {
-        return directory.read(QStringLiteral("db.xml")) == storedList
-               && directory.read(QStringLiteral("db_version")) == "1020";
-    }
-
-    const QByteArray storedList = "<F><bench machineName=\"stored\" os=\"linux\"/></F>";
-    dataDirectory directory;
-    fakeWebServer server;
-    textLog log;
-    std::unique_ptr<benchDataAccess> data;
+/// What a request comes to, and how long it took.
+struct outcome {
+    bool ok = false;
+    QByteArray data;
+    qint64 ms = 0;
 };
 
+outcome ask(const fakeServer &server, int requested, int timeOut, const QByteArray &data = "in")
+{
+    httpDatabase database(server.host(), {timeOut, timeOut});
+    outcome result;
+    result.data = data;
+    QElapsedTimer timer;
+    timer.start();
+    result.ok = database.request(requested, result.data);
+    result.ms = timer.elapsed();
+    return result;
+}
+
 } // namespace
+
+Q_DECLARE_METATYPE(fakeServer::answer)
 
 class tst_httpDatabase : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void requests_data();
-    void requests();
-    void otherNumbers();
-    void uploadBody();
-    void upload_data();
-    void upload();
-    void version_data();
-    void version();
-    void lists_data();
-    void lists();
+    void wire_data();
+    void wire();
+    void unknownRequest_data();
+    void unknownRequest();
+    void replies();
+    void severalRequests();
     void refused();
-    void brokenOff_data();
-    void brokenOff();
-    void slowReply_data();
-    void slowReply();
-    void endlessReply();
-    void memoryOfHostileLists_data();
-    void memoryOfHostileLists();
-    void unpackedSize();
-    void faultsKeepTheStoredList_data();
-    void faultsKeepTheStoredList();
-    void download();
-    void uploadWithoutAFile();
-    void uploadOfTheFile();
-    void uploadWithoutADirectory();
+    void errors_data();
+    void errors();
+    void oddReplies_data();
+    void oddReplies();
+    void timeOuts_data();
+    void timeOuts();
+    void timeOutOfEachRequest();
+    void standardTimeOuts();
+    void lateReply();
+    void notSentTwice_data();
+    void notSentTwice();
+    void redirects_data();
+    void redirects();
+    void badLists_data();
+    void badLists();
+    void longReplies_data();
+    void longReplies();
+    void packedReply();
+    void noProxy();
+    void hosts_data();
+    void hosts();
+    void noHost();
     void defaultHost();
 };
 
-void tst_httpDatabase::requests_data()
+void tst_httpDatabase::wire_data()
 {
-    QTest::addColumn<int>("number");
+    QTest::addColumn<int>("requested");
     QTest::addColumn<QByteArray>("body");
     QTest::newRow("version") << 0 << QByteArray("?app=Fennick&type=getReferenceVersion");
-    QTest::newRow("list") << 1 << QByteArray("?app=Fennick&type=getReference");
-    QTest::newRow("BETA list") << 2 << QByteArray("?app=Fennick&type=getReferenceBeta");
-    QTest::newRow("upload") << 3 << QByteArray("?app=Fennick&type=storeUserData&results=x");
+    QTest::newRow("reference") << 1 << QByteArray("?app=Fennick&type=getReference");
+    QTest::newRow("beta") << 2 << QByteArray("?app=Fennick&type=getReferenceBeta");
+    QTest::newRow("store") << 3
+                           << QByteArray("?app=Fennick&type=storeUserData&results=%3Ca%20b%3D%22"
+                                         "%2B%22%2F%3E%0A");
 }
 
-void tst_httpDatabase::requests()
+void tst_httpDatabase::wire()
 {
-    fakeWebServer server;
-    server.answer("1");
-    httpDatabase database(server.host());
-    QFETCH(int, number);
-    QByteArray data = "x";
-    database.request(number, data);
-    QCOMPARE(server.requests, 1);
-    QTEST(server.body, "body");
-    QVERIFY(server.head.startsWith("POST /php/Fennick/mcp.php HTTP/1.1\r\n"));
-    QVERIFY(server.head.contains("\r\nContent-Type: application/x-www-form-urlencoded\r\n"));
+    QFETCH(int, requested);
+    QFETCH(QByteArray, body);
+    const fakeServer server(sending(httpReply("x")));
+    ask(server, requested, longTime, "<a b=\"+\"/>\n");
+    QCOMPARE(server.requests.size(), 1);
+    QCOMPARE(server.lastBody(), body);
+    const QList<QByteArray> headers = server.lastHeaders().split('\n');
+    QCOMPARE(headers.first().trimmed(), QByteArray("POST /php/Fennick/mcp.php HTTP/1.1"));
+    const auto has = [&headers](const QByteArray &line) { return headers.count(line + '\r'); };
+    QCOMPARE(has("Host: " + server.host().toLatin1()), 1);
+    QCOMPARE(has("Content-Type: application/x-www-form-urlencoded"), 1);
+    QCOMPARE(has("Content-Length: " + QByteArray::number(body.size())), 1);
+    QCOMPARE(has("Accept-Encoding: identity"), 1);
 }
 
-void tst_httpDatabase::otherNumbers()
+void tst_httpDatabase::unknownRequest_data()
 {
-    fakeWebServer server;
-    server.answer("1");
-    httpDatabase database(server.host());
-    QByteArray data;
-    for (const int number : {-1, 4, 1000})
-        QVERIFY(!database.request(number, data));
-    QCOMPARE(server.requests, 0);
+    QTest::addColumn<int>("requested");
+    for (const int requested : {-1, 4, 5, 1000})
+        QTest::addRow("%d", requested) << requested;
 }
 
-void tst_httpDatabase::uploadBody()
+void tst_httpDatabase::unknownRequest()
 {
-    // Known bytes, worked out by hand.
-    QCOMPARE(formBody("storeUserData", "a+b %41\n\"&\xC3\x9C~-._"),
-             QByteArray("?app=Fennick&type=storeUserData&results="
-                        "a%2Bb%20%2541%0A%22%26%C3%9C~-._"));
-    QCOMPARE(formBody("storeUserData", ""), QByteArray("?app=Fennick&type=storeUserData&results="));
-    QCOMPARE(formBody("getReference", {}), QByteArray("?app=Fennick&type=getReference"));
-    // Every byte that UTF-8 text can hold arrives.
-    QString all;
-    for (ushort c = 1; c < 0x300; ++c)
-        all.append(QChar(c));
-    QCOMPARE(itemsOf(formBody("t", all.toUtf8())).value("results"), all.toUtf8());
+    QFETCH(int, requested);
+    const fakeServer server(sending(httpReply("x")));
+    QVERIFY(!ask(server, requested, longTime).ok);
+    QCOMPARE(server.connections, 0);
 }
 
-void tst_httpDatabase::upload_data()
+void tst_httpDatabase::replies()
 {
-    QTest::addColumn<QByteArray>("status");
-    QTest::addColumn<bool>("ok");
-    QTest::newRow("200") << QByteArray("200 OK") << true;
-    QTest::newRow("204") << QByteArray("204 No Content") << true;
-    QTest::newRow("400") << QByteArray("400 Bad Request") << false;
-    QTest::newRow("404") << QByteArray("404 Not Found") << false;
-    QTest::newRow("413") << QByteArray("413 Too Large") << false;
-    QTest::newRow("500") << QByteArray("500 Oh") << false;
+    const fakeServer version(sending(httpReply("1500\n")));
+    QCOMPARE(ask(version, onlineDatabase::referenceVersion, longTime).data, QByteArray("1500\n"));
+    const fakeServer packed(sending(httpReply(qCompress(list))));
+    for (const int requested : {onlineDatabase::reference, onlineDatabase::betaReference}) {
+        const outcome result = ask(packed, requested, longTime);
+        QVERIFY(result.ok);
+        QCOMPARE(result.data, list);
+    }
+    const fakeServer storing(sending(httpReply("whatever")));
+    QVERIFY(ask(storing, onlineDatabase::storeResults, longTime).ok);
 }
 
-void tst_httpDatabase::upload()
+void tst_httpDatabase::severalRequests()
 {
-    fakeWebServer server;
-    QFETCH(QByteArray, status);
-    server.answer("", status);
-    httpDatabase database(server.host());
-    QByteArray data = nastyName;
-    QTEST(database.request(3, data), "ok");
-    QCOMPARE(data, nastyName);
-    QCOMPARE(itemsOf(server.body).value("results"), nastyName);
-}
-
-void tst_httpDatabase::version_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QString>("log");
-    const auto row = [](const char *name, const QByteArray &reply, const QString &shown) {
-        QTest::newRow(name)
-            << reply << QStringLiteral("Online database has version %1 (local 1010)\n").arg(shown);
-    };
-    row("older", "7", QStringLiteral("7"));
-    row("the same", "1010", QStringLiteral("1010"));
-    row("no number", "<html>", QStringLiteral("0"));
-    row("2^32", "4294967296", QStringLiteral("0"));
-    row("negative", "-1", QStringLiteral("0"));
-    QTest::newRow("empty") << QByteArray() << QStringLiteral("No online database found\n");
-}
-
-void tst_httpDatabase::version()
-{
-    QFETCH(QByteArray, reply);
-    QFETCH(QString, log);
-    const dataDirectory directory;
-    fakeWebServer server;
-    server.answer(reply);
-    textLog text;
-    benchDataAccess data(&text, {}, std::make_unique<httpDatabase>(server.host()));
-    data.loadReferenceData(benchDataAccess::normalReference);
-    QVERIFY2(text.text.startsWith(log + QStringLiteral("Use internal benchmark DB\n")),
-             qPrintable(text.text));
-    QCOMPARE(server.requests, 1);
-}
-
-void tst_httpDatabase::lists_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QByteArray>("unpacked");
-    const QByteArray packed = qCompress(list);
-    QTest::newRow("good") << packed << list;
-    QTest::newRow("longer than it says") << withLength(1, packed) << list;
-    QTest::newRow("shorter than it says") << withLength(1000, packed) << list;
-    QTest::newRow("not packed") << list << QByteArray();
-    QTest::newRow("no length in front") << packed.mid(4) << QByteArray();
-    QTest::newRow("cut off") << packed.left(packed.size() - 6) << QByteArray();
-    QTest::newRow("damaged") << QByteArray(packed).replace(20, 3, "...") << QByteArray();
-    QTest::newRow("only a length") << packed.left(4) << QByteArray();
-    QTest::newRow("packed nothing") << qCompress(QByteArray()) << QByteArray();
-    QTest::newRow("a length of 4 GB") << withLength(0xFFFFFFFFU, packed) << QByteArray();
-    QTest::newRow("empty") << QByteArray() << QByteArray();
-}
-
-void tst_httpDatabase::lists()
-{
-    QFETCH(QByteArray, reply);
-    QFETCH(QByteArray, unpacked);
-    fakeWebServer server;
-    server.answer(reply);
-    httpDatabase database(server.host());
-    for (const int number : {1, 2}) {
+    int sent = 0;
+    const fakeServer server(
+        [&sent](QTcpSocket &socket) { socket.write(httpReply(QByteArray::number(++sent))); });
+    httpDatabase database(server.host(), {longTime, longTime});
+    for (int i = 1; i <= 3; ++i) {
         QByteArray data;
-        QCOMPARE(database.request(number, data), !unpacked.isEmpty());
-        QCOMPARE(data, unpacked);
+        QVERIFY(database.request(onlineDatabase::referenceVersion, data));
+        QCOMPARE(data, QByteArray::number(i));
     }
 }
 
 void tst_httpDatabase::refused()
 {
-    QString host;
-    {
-        const fakeWebServer gone;
-        host = gone.host();
+    fakeServer server;
+    server.stop();
+    for (const int requested : allRequests) {
+        const outcome result = ask(server, requested, longTime);
+        QVERIFY(!result.ok);
+        QVERIFY(result.ms < longTime / 2);
     }
-    httpDatabase database(host);
-    QElapsedTimer timer;
-    timer.start();
-    QByteArray data;
-    for (int number = 0; number < 4; ++number)
-        QVERIFY(!database.request(number, data));
-    QVERIFY(timer.elapsed() < 6000); // at once, and not after the shortest time-out
 }
 
-void tst_httpDatabase::brokenOff_data()
+void tst_httpDatabase::errors_data()
 {
-    QTest::addColumn<bool>("atOnce");
-    QTest::addColumn<QByteArray>("reply");
-    QTest::newRow("before the request") << true << QByteArray();
-    QTest::newRow("without a reply") << false << QByteArray();
-    QTest::newRow("in the head") << false << QByteArray("HTTP/1.1 200 OK\r\nConten");
-    QTest::newRow("in the body") << false
-                                 << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 900\r\n\r\n1");
+    QTest::addColumn<fakeServer::answer>("reply");
+    const auto row = [](const char *name, const fakeServer::answer &reply) {
+        QTest::newRow(name) << reply;
+    };
+    row("404", sending(httpReply("1500", "404 Not Found")));
+    row("500", sending(httpReply("1500", "500 Internal Server Error")));
+    row("401", sending(httpReply("1500", "401 Unauthorized", "WWW-Authenticate: Basic\r\n")));
+    row("closed at once", closingAfter({}));
+    row("reset", [](QTcpSocket &socket) { socket.abort(); });
+    row("closed in the header", closingAfter("HTTP/1.1 200 OK\r\nContent-Le"));
+    row("closed in the body", closingAfter("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n1500"));
+    row("not HTTP", closingAfter("1500\r\n\r\n"));
 }
 
-void tst_httpDatabase::brokenOff()
+void tst_httpDatabase::errors()
 {
-    fakeWebServer server;
-    QFETCH(bool, atOnce);
-    QFETCH(QByteArray, reply);
-    server.closesAtOnce = atOnce;
-    server.closesAfter = true;
-    server.reply = reply;
-    httpDatabase database(server.host());
-    for (int number = 0; number < 4; ++number) {
+    QFETCH(fakeServer::answer, reply);
+    const fakeServer server(reply);
+    for (const int requested : allRequests) {
+        const outcome result = ask(server, requested, longTime);
+        QVERIFY(!result.ok);
+        QVERIFY(result.ms < longTime / 2);
+    }
+}
+
+void tst_httpDatabase::oddReplies_data()
+{
+    QTest::addColumn<fakeServer::answer>("reply");
+    QTest::addColumn<bool>("isVersion");
+    const auto row = [](const char *name, const fakeServer::answer &reply, bool isVersion) {
+        QTest::newRow(name) << reply << isVersion;
+    };
+    row("empty", sending(httpReply("")), false);
+    row("204", sending("HTTP/1.1 204 No Content\r\n\r\n"), false);
+    row("not a number", sending(httpReply("<html>")), true);
+    row("without a length", closingAfter("HTTP/1.0 200 OK\r\n\r\n1500"), true);
+    row(
+        "closed later",
+        [](QTcpSocket &socket) {
+            socket.write("HTTP/1.1 200 OK\r\n\r\n1500");
+            QTimer::singleShot(shortTime / 4, &socket, &QTcpSocket::disconnectFromHost);
+        },
+        true);
+    row("in pieces",
+        sending("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n15\r\n2\r\n00\r\n"
+                "0\r\n\r\n"),
+        true);
+}
+
+void tst_httpDatabase::oddReplies()
+{
+    QFETCH(fakeServer::answer, reply);
+    const fakeServer server(reply);
+    QTEST(ask(server, onlineDatabase::referenceVersion, longTime).ok, "isVersion");
+    QVERIFY(!ask(server, onlineDatabase::reference, longTime).ok);
+    QVERIFY(ask(server, onlineDatabase::storeResults, longTime).ok);
+}
+
+void tst_httpDatabase::timeOuts_data()
+{
+    QTest::addColumn<int>("requested");
+    QTest::addColumn<QByteArray>("sent");
+    QTest::addColumn<bool>("isSuccess");
+    QTest::addColumn<QByteArray>("data");
+    const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n";
+    const auto row = [](const char *name, int requested, const QByteArray &sent, bool isSuccess,
+                        const QByteArray &data) {
+        QTest::newRow(name) << requested << sent << isSuccess << data;
+    };
+    row("version, silent", 0, {}, false, {});
+    row("reference, silent", 1, {}, false, {});
+    row("beta, silent", 2, {}, false, {});
+    // Nothing has failed so far, and nothing of the reply is wanted.
+    row("store, silent", 3, {}, true, "in");
+    row("version, half a header", 0, head.left(20), false, {});
+    // What has come by then counts.
+    row("version, half a body", 0, head + "15", true, "15");
+    row("reference, half a body", 1, head + qCompress(list).left(30), false, {});
+    row("store, half a body", 3, head + "x", true, "in");
+}
+
+void tst_httpDatabase::timeOuts()
+{
+    QFETCH(int, requested);
+    QFETCH(QByteArray, sent);
+    QFETCH(bool, isSuccess);
+    QFETCH(QByteArray, data);
+    const fakeServer server(sending(sent));
+    // Long enough for what is sent to be there in time.
+    const int timeOut = sent.isEmpty() ? shortTime : 5 * shortTime;
+    const outcome result = ask(server, requested, timeOut);
+    QCOMPARE(result.ok, isSuccess);
+    if (isSuccess)
+        QCOMPARE(result.data, data);
+    QVERIFY(result.ms >= timeOut * 9 / 10); // a coarse timer may be early by a twentieth
+}
+
+void tst_httpDatabase::timeOutOfEachRequest()
+{
+    const fakeServer server;
+    const auto ms = [&server](int requested, const httpDatabase::timeOuts &limits) {
+        httpDatabase database(server.host(), limits);
+        QElapsedTimer timer;
+        timer.start();
         QByteArray data;
-        QVERIFY(!database.request(number, data));
-    }
+        database.request(requested, data);
+        return timer.elapsed();
+    };
+    QVERIFY(ms(onlineDatabase::referenceVersion, {shortTime, longTime}) < longTime / 2);
+    for (const int requested :
+         {onlineDatabase::reference, onlineDatabase::betaReference, onlineDatabase::storeResults})
+        QVERIFY(ms(requested, {longTime, shortTime}) < longTime / 2);
 }
 
-void tst_httpDatabase::slowReply_data()
+void tst_httpDatabase::standardTimeOuts()
 {
-    QTest::addColumn<int>("number");
-    QTest::addColumn<bool>("ok");
-    QTest::newRow("version") << 0 << false;
-    QTest::newRow("list") << 1 << false;
-    QTest::newRow("BETA list") << 2 << false;
-    // Nothing says that an upload has failed whose reply is still on its way.
-    QTest::newRow("upload") << 3 << true;
+    const httpDatabase::timeOuts standard;
+    QCOMPARE(standard.version, 7000);
+    QCOMPARE(standard.others, 30'000);
 }
 
-void tst_httpDatabase::slowReply()
+void tst_httpDatabase::lateReply()
 {
-    QFETCH(int, number);
-    fakeWebServer server;
-    server.answer(qCompress(list));
-    server.delay = 60'000;
-    httpDatabase database(server.host(), shortTimes);
-    QElapsedTimer timer;
-    timer.start();
+    // A reply to a request that is over must not be taken for that to the next.
+    QTcpSocket *late = nullptr;
+    fakeServer server([&late](QTcpSocket &socket) { late = &socket; });
+    httpDatabase database(server.host(), {longTime, shortTime});
     QByteArray data;
-    QTEST(database.request(number, data), "ok");
-    QVERIFY(timer.elapsed() >= (number == 0 ? shortTimes.version : shortTimes.others) - 20);
-    QVERIFY(timer.elapsed() < 20'000);
-    // The next request is not answered by what is left of the last one.
-    server.delay = 0;
-    server.answer("42");
-    QVERIFY(database.request(0, data));
-    QCOMPARE(data, QByteArray("42"));
+    QVERIFY(database.request(onlineDatabase::storeResults, data));
+    QVERIFY(late);
+    server.reply = [late](QTcpSocket &socket) {
+        if (late->state() == QAbstractSocket::ConnectedState)
+            late->write(httpReply("1"));
+        QTimer::singleShot(shortTime, &socket, [&socket] { socket.write(httpReply("2")); });
+    };
+    QVERIFY(database.request(onlineDatabase::referenceVersion, data));
+    QCOMPARE(data, QByteArray("2"));
 }
 
-void tst_httpDatabase::endlessReply()
+void tst_httpDatabase::notSentTwice_data()
 {
-    fakeWebServer server;
-    server.reply = "HTTP/1.1 200 OK\r\n\r\n";
-    server.endlessly = QByteArray(1024 * 1024, 'x');
-    httpDatabase database(server.host());
-    QByteArray data;
-    const long before = peakMebibytes();
-    QVERIFY(!database.request(1, data));
-    QVERIFY(peakMebibytes() - before < 100);
+    QTest::addColumn<fakeServer::answer>("reply");
+    QTest::newRow("closed") << closingAfter({});
+    QTest::newRow("reset") << fakeServer::answer([](QTcpSocket &socket) { socket.abort(); });
+    QTest::newRow("closed in the header") << closingAfter("HTTP/1.1 200 OK\r\nContent-Le");
+    QTest::newRow("not HTTP") << closingAfter("1500\r\n\r\n");
 }
 
-void tst_httpDatabase::memoryOfHostileLists_data()
+void tst_httpDatabase::notSentTwice()
 {
-    QTest::addColumn<quint32>("length");
-    QTest::newRow("honest") << quint32(200'000'000);
-    QTest::newRow("too short") << quint32(100);
-    QTest::newRow("too long") << quint32(0xFFFFFFF0);
+    QFETCH(fakeServer::answer, reply);
+    const fakeServer server(reply);
+    QVERIFY(!ask(server, onlineDatabase::storeResults, longTime).ok);
+    QTest::qWait(shortTime);
+    QCOMPARE(server.requests.size(), 1);
 }
 
-void tst_httpDatabase::memoryOfHostileLists()
+void tst_httpDatabase::redirects_data()
 {
-    QFETCH(quint32, length);
-    const QByteArray reply = withLength(length, packedBlanks());
-    const long before = peakMebibytes();
-    QVERIFY(uncompressed(reply, maximumXmlSize).isNull());
-    QVERIFY2(peakMebibytes() - before < 40, qPrintable(QString::number(peakMebibytes() - before)));
-}
-
-void tst_httpDatabase::unpackedSize()
-{
-    QCOMPARE(uncompressed(qCompress(list), list.size()), list);
-    QVERIFY(uncompressed(qCompress(list), list.size() - 1).isNull());
-}
-
-void tst_httpDatabase::faultsKeepTheStoredList_data()
-{
-    QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QByteArray>("status");
-    const QByteArray ok("200 OK");
-    QTest::newRow("not packed") << QByteArray("9999") << ok;
-    QTest::newRow("404") << QByteArray("9999") << QByteArray("404 Not Found");
-    QTest::newRow("500") << QByteArray("9999") << QByteArray("500 Oh");
-    QTest::newRow("redirect") << QByteArray("9999") << QByteArray("302 Found");
+    for (const char *status : {"301 Moved", "302 Found", "303 See Other", "307 Temporary Redirect",
+                               "308 Permanent Redirect"})
+        QTest::newRow(status) << QByteArray(status);
 }
 
-void tst_httpDatabase::faultsKeepTheStoredList()
+void tst_httpDatabase::redirects()
 {
-    QFETCH(QByteArray, body);
     QFETCH(QByteArray, status);
-    fixture f;
-    f.server.answer(body, status, "Location: http://" + f.server.host().toLatin1() + "/other\r\n");
-    f.data->loadReferenceData(benchDataAccess::normalReference);
-    f.data->loadReferenceData(benchDataAccess::betaReference);
-    QVERIFY(f.isStoredListIntact());
-    QVERIFY(f.log.text.endsWith(QStringLiteral("unique)\n")));
-    QVERIFY(!f.log.text.contains(QStringLiteral("Update DB")));
-    QVERIFY(f.server.head.startsWith("POST /php/")); // no redirect was followed
+    const fakeServer target(sending(httpReply("2000")));
+    const QByteArray location = "Location: http://" + target.host().toLatin1() + "/x\r\n";
+    const fakeServer server(sending(httpReply("", status, location)));
+    for (const int requested : {onlineDatabase::referenceVersion, onlineDatabase::reference,
+                                onlineDatabase::betaReference})
+        QVERIFY(!ask(server, requested, longTime).ok);
+    ask(server, onlineDatabase::storeResults, longTime);
+    QTest::qWait(shortTime);
+    QCOMPARE(target.connections, 0);
 }
 
-void tst_httpDatabase::download()
+void tst_httpDatabase::badLists_data()
 {
-    fixture f;
-    f.server.answer(qCompress(list));
-    f.data->loadReferenceData(benchDataAccess::betaReference);
-    QCOMPARE(f.log.text, QStringLiteral("Update DB successfully (BETA)\nUse local benchmark DB\n"
-                                        "Found 1 devices (1 unique)\n"));
-    QCOMPARE(f.directory.read(QStringLiteral("db.xml")), list);
-    QCOMPARE(f.directory.read(QStringLiteral("db_version")), QByteArray("0"));
-    QCOMPARE(f.data->getResults().last().getName(), QStringLiteral("online"));
+    QTest::addColumn<QByteArray>("reply");
+    const QByteArray packed = qCompress(list);
+    QTest::newRow("text") << list;
+    QTest::newRow("length alone") << packed.left(4);
+    QTest::newRow("cut") << packed.left(packed.size() - 3);
+    QTest::newRow("packed nothing") << qCompress("");
+    QTest::newRow("4 GB in front") << withLength(0xFFFFFFFFU, packed.mid(4));
+    QTest::newRow("200 MB") << withLength(far, farStream());
+    QTest::newRow("200 MB, lies") << withLength(100, farStream());
+    QTest::newRow("one byte too long")
+        << withLength(0, longStream(static_cast<qint64>(maximumXmlSize) + 1));
 }
 
-void tst_httpDatabase::uploadWithoutAFile()
+void tst_httpDatabase::badLists()
 {
-    fixture f;
-    f.server.answer("thanks");
-    f.data->uploadResults();
-    QCOMPARE(f.log.text, QStringLiteral("Can't upload: no user results found\nUpload results\n"));
-    QCOMPARE(f.server.body, QByteArray("?app=Fennick&type=storeUserData&results="));
-    f.log.text.clear();
-    f.server.answer("", "400 Bad Request");
-    f.data->uploadResults();
-    QCOMPARE(f.log.text,
-             QStringLiteral("Can't upload: no user results found\nCan't upload results\n"));
+    QFETCH(QByteArray, reply);
+    const fakeServer server(sending(httpReply(reply)));
+    const peakMemory memory;
+    QVERIFY(!ask(server, onlineDatabase::reference, longTime).ok);
+    QVERIFY(!ask(server, onlineDatabase::betaReference, longTime).ok);
+    if (memory.isAvailable())
+        QVERIFY2(memory.growth() < (64 << 20), qPrintable(QString::number(memory.growth())));
 }
 
-void tst_httpDatabase::uploadOfTheFile()
+void tst_httpDatabase::longReplies_data()
 {
-    // From the name in the environment to the one that the server reads.
-    fixture f;
-    f.server.answer("thanks");
-    qputenv("COMPUTERNAME", nastyName);
-    f.data->loadReferenceData(benchDataAccess::builtInReference);
-    f.data->loadUserData();
-    qunsetenv("COMPUTERNAME");
-    f.data->storeUserData();
-    f.log.text.clear();
-    f.data->uploadResults();
-    QCOMPARE(f.log.text, QStringLiteral("Upload results\n"));
-    QByteArray xml = itemsOf(f.server.body).value("results");
-    QCOMPARE(xml, f.directory.read(QStringLiteral("user_data.xml")));
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly);
-    QVector<benchResults> machines;
-    readMachines(buffer, machines);
-    QCOMPARE(machines.size(), 1);
-    QCOMPARE(machines.first().getName(), QString::fromUtf8(nastyName));
+    QTest::addColumn<fakeServer::answer>("reply");
+    const auto row = [](const char *name, const fakeServer::answer &reply) {
+        QTest::newRow(name) << reply;
+    };
+    const QByteArray piece(64 * 1024, '1');
+    row("endless", endless("HTTP/1.1 200 OK\r\n\r\n", piece));
+    row("endless with a length",
+        endless("HTTP/1.1 200 OK\r\nContent-Length: 99999999999\r\n\r\n", piece));
+    row("too long", sending(httpReply(QByteArray(static_cast<int>(maximumXmlSize) + 1, '1'))));
 }
 
-void tst_httpDatabase::uploadWithoutADirectory()
+void tst_httpDatabase::longReplies()
 {
-    fixture f;
-    qputenv("XDG_DATA_HOME", "/proc/none");
-    f.data->uploadResults();
-    QVERIFY(f.log.text.endsWith(QStringLiteral("Can't upload results (directory) found\n")));
-    QCOMPARE(f.server.requests, 0);
+    QFETCH(fakeServer::answer, reply);
+    const fakeServer server(reply);
+    const peakMemory memory;
+    for (const int requested : allRequests) {
+        const outcome result = ask(server, requested, longTime);
+        QVERIFY(!result.ok);
+        QVERIFY(result.ms < longTime / 2);
+    }
+    if (memory.isAvailable())
+        QVERIFY2(memory.growth() < (256 << 20), qPrintable(QString::number(memory.growth())));
+}
+
+void tst_httpDatabase::packedReply()
+{
+    // The toolkit would unpack this by itself, whatever its size.
+    const fakeServer server(sending(httpReply("1500", "200 OK", "Content-Encoding: deflate\r\n")));
+    QCOMPARE(ask(server, onlineDatabase::referenceVersion, longTime).data, QByteArray("1500"));
+}
+
+void tst_httpDatabase::noProxy()
+{
+    const fakeServer proxy(sending(httpReply("2")));
+    const fakeServer server(sending(httpReply("1")));
+    qputenv("http_proxy", "http://" + proxy.host().toLatin1());
+    const outcome result = ask(server, onlineDatabase::referenceVersion, longTime);
+    qunsetenv("http_proxy");
+    QCOMPARE(result.data, QByteArray("1"));
+    QCOMPARE(proxy.connections, 0);
+}
+
+void tst_httpDatabase::hosts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isHost");
+    const auto rows = [](std::initializer_list<const char *> texts, bool isHost) {
+        for (const char *text : texts)
+            QTest::addRow("'%s'", text) << QString::fromUtf8(text) << isHost;
+    };
+    rows({"localhost", "localhost:8426", "a.example.org", "1.2.3.4:5", "[::1]:80",
+          "Ä.example:65535"},
+         true);
+    rows({"", ":", ":80", "a:", "a:0", "a:65536", "a:b", "a/", "a/b", "a:1/b", "u@a", "u:p@a",
+          "http://a", "a?b", "a#b", "a b", " a", "[::1"},
+         false);
+}
+
+void tst_httpDatabase::hosts()
+{
+    QFETCH(QString, text);
+    QTEST(httpDatabase::isHost(text), "isHost");
+}
+
+void tst_httpDatabase::noHost()
+{
+    httpDatabase database(QStringLiteral("a b:c"), {longTime, longTime});
+    QByteArray data;
+    QVERIFY(!database.request(onlineDatabase::referenceVersion, data));
 }
 
 void tst_httpDatabase::defaultHost()
 {
     QCOMPARE(httpDatabase::defaultHost(), QStringLiteral(FENNICK_EXPECTED_RESULT_HOST));
+    QVERIFY(httpDatabase::isHost(httpDatabase::defaultHost()));
 }
 
 QTEST_GUILESS_MAIN(tst_httpDatabase)

@@ -3,7 +3,6 @@
 // The real server in a process of its own.
 
 #include "data/benchXml.h"
-#include "data/formBody.h"
 #include "data/httpDatabase.h"
 
 #include "support/postgresServer.h"
@@ -67,11 +66,6 @@ namespace
 
 const QByteArray askVersion = "?app=Fennick&type=getReferenceVersion";
 
-QByteArray upload(const QByteArray &xml)
-{
-    return formBody("storeUserData", xml);
-}
-
 /// Uploads to the server without a limit per address.
 const QStringList noLimit = {QStringLiteral("--upload-limit"), QStringLiteral("0/1")};
 
@@ -100,7 +94,7 @@ std::vector<int> uploadUntilKilled(quint16 port, int from)
     for (int i = from; client.socket.state() == QAbstractSocket::ConnectedState; ++i) {
         const QByteArray xml =
             uploadXml("m" + QByteArray::number(i), "cpu", QByteArray::number(1 + i % 900));
-        if (statusOf(client.post(upload(xml))) == 200)
+        if (statusOf(client.post(uploadForm(xml))) == 200)
             acknowledged.push_back(i);
     }
     return acknowledged;
@@ -196,7 +190,7 @@ void tst_serverProgram::uploadAnswers()
     const QString database = sqlite();
     const serverProcess server(database);
     const auto answerTo = [&server](const QByteArray &xml) {
-        return rawClient(server.port).post(upload(xml));
+        return rawClient(server.port).post(uploadForm(xml));
     };
     QCOMPARE(statusOf(answerTo(uploadXml("a", "b", "1"))), 200);
     QCOMPARE(statusOf(answerTo(uploadXml("a", "b", "1"))), 200);
@@ -213,7 +207,7 @@ void tst_serverProgram::uploadLimit()
 {
     const serverProcess server(sqlite(),
                                {QStringLiteral("--upload-limit"), QStringLiteral("2/60")});
-    const QByteArray body = upload(uploadXml("a", "b", "1"));
+    const QByteArray body = uploadForm(uploadXml("a", "b", "1"));
     rawClient client(server.port);
     QCOMPARE(statusOf(client.post(body)), 200);
     QCOMPARE(statusOf(client.post(body)), 200);
@@ -227,7 +221,7 @@ void tst_serverProgram::uploadLimitBehindAProxy()
 {
     const serverProcess server(sqlite(), {QStringLiteral("--upload-limit"), QStringLiteral("1/60"),
                                           QStringLiteral("--behind-proxy")});
-    const QByteArray body = upload(uploadXml("a", "b", "1"));
+    const QByteArray body = uploadForm(uploadXml("a", "b", "1"));
     rawClient client(server.port);
     QCOMPARE(statusOf(client.post(body, "X-Forwarded-For: 10.0.0.1\r\n")), 200);
     QCOMPARE(statusOf(client.post(body, "X-Forwarded-For: 10.0.0.2\r\n")), 200);
@@ -239,8 +233,9 @@ void tst_serverProgram::publishedListIsServed()
     const QString database = sqlite();
     const serverProcess server(database);
     for (const char *result : {"10", "30", "20"})
-        QCOMPARE(statusOf(rawClient(server.port).post(upload(uploadXml("x", "New CPU", result)))),
-                 200);
+        QCOMPARE(
+            statusOf(rawClient(server.port).post(uploadForm(uploadXml("x", "New CPU", result)))),
+            200);
     const auto published =
         serverProcess::run({QStringLiteral("publish"), QStringLiteral("--database"), database});
     QCOMPARE(published.code, 0);
@@ -272,7 +267,8 @@ void tst_serverProgram::nastyNamesArrive()
     QCOMPARE(machines.first().getName(), name);
     QCOMPARE(machines.first().getCpu(), name);
     // A name of two lines is refused with a reason, and not cut.
-    QCOMPARE(statusOf(rawClient(server.port).post(upload(uploadXml("a&#10;b", "c", "1")))), 422);
+    QCOMPARE(statusOf(rawClient(server.port).post(uploadForm(uploadXml("a&#10;b", "c", "1")))),
+             422);
 }
 
 void tst_serverProgram::commands()
@@ -380,7 +376,7 @@ void tst_serverProgram::finishesWhatIsInFlight()
     const QString database = sqlite();
     serverProcess server(database);
     rawClient client(server.port);
-    const QByteArray body = upload(uploadXml("a", "b", "1"));
+    const QByteArray body = uploadForm(uploadXml("a", "b", "1"));
     client.send("POST /php/Fennick/mcp.php HTTP/1.1\r\nHost: x\r\nContent-Length: "
                 + QByteArray::number(body.size()) + "\r\n\r\n" + body.left(20));
     QTest::qWait(300);
@@ -443,11 +439,12 @@ void tst_serverProgram::twoProcessesOnOneDatabase()
     for (int i = 1; i <= 3; ++i) {
         const quint16 port = i % 2 == 0 ? first.port : second.port;
         QCOMPARE(statusOf(rawClient(port).post(
-                     upload(uploadXml("x", "Shared CPU", QByteArray::number(i))))),
+                     uploadForm(uploadXml("x", "Shared CPU", QByteArray::number(i))))),
                  200);
     }
     // The same upload at the other one is still one.
-    QCOMPARE(statusOf(rawClient(first.port).post(upload(uploadXml("x", "Shared CPU", "3")))), 200);
+    QCOMPARE(statusOf(rawClient(first.port).post(uploadForm(uploadXml("x", "Shared CPU", "3")))),
+             200);
     QCOMPARE(listed(database), 3);
     QCOMPARE(serverProcess::run({QStringLiteral("publish"), QStringLiteral("--database"), database})
                  .code,
@@ -514,8 +511,8 @@ void tst_serverProgram::logsHoldNoNames()
 {
     serverProcess server(sqlite());
     rawClient client(server.port);
-    client.post(upload(uploadXml("SECRETNAME", "SECRETCPU", "1")));
-    client.post(upload(uploadXml("SECRETNAME", "SECRETCPU", "-1")));
+    client.post(uploadForm(uploadXml("SECRETNAME", "SECRETCPU", "1")));
+    client.post(uploadForm(uploadXml("SECRETNAME", "SECRETCPU", "-1")));
     QCOMPARE(server.terminate(), 0);
     const QByteArray log = server.process.readAllStandardError();
     QVERIFY(log.contains("upload refused"));

@@ -3,6 +3,7 @@
 
 #include "server/uploadOf.h"
 
+#include "data/formBody.h"
 #include "engine/benchResults.h"
 
 /// A machine with one result.
@@ -26,4 +27,10 @@ inline QByteArray uploadXml(const QByteArray &name, const QByteArray &cpu, const
 inline storedUpload stored(const benchResults &machine, qint64 time = 1'000)
 {
     return uploadOf(machine, time);
+}
+
+/// The body of a request that uploads @p xml.
+inline QByteArray uploadForm(const QByteArray &xml)
+{
+    return formBody({{"app", "Fennick"}, {"type", "storeUserData"}, {"results", xml}});
 }
