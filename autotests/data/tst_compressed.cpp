@@ -90,6 +90,7 @@ void tst_compressed::refused_data()
     QTest::newRow("cut") << good.left(good.size() - 1);
     QTest::newRow("cut early") << good.left(12);
     QTest::newRow("wrong checksum") << damaged;
+    QTest::newRow("1 GB, good stream") << withLength(0x40000000U, good.mid(4));
     QTest::newRow("4 GB, good stream") << withLength(0xFFFFFFFFU, good.mid(4));
 }
 
