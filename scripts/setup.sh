@@ -59,6 +59,10 @@ need_clang() {
     need has_file 'llvm-*/lib/libomp.so' libomp-dev
 }
 
+need_fuzzers() {
+    need has_file 'llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a' libclang-rt-dev
+}
+
 # Installs what need has noted, or says what to install and stops.
 install_missing() {
     [ ${#missing[@]} -eq 0 ] && return

@@ -157,7 +157,7 @@ private:
 
 } // namespace
 
-bool exportAll(resultStore &store, QIODevice &device)
+bool exportTo(resultStore &store, QIODevice &device)
 {
     QXmlStreamWriter xml(&device);
     xml.setAutoFormatting(true);

@@ -15,7 +15,7 @@ struct importReport {
 
 /// Writes all uploads, withdrawn ones and their reasons included, and all lists to @p device, as
 /// XML with the machines in the format of the lists. False if the database or the device failed.
-bool exportAll(resultStore &store, QIODevice &device);
+bool exportTo(resultStore &store, QIODevice &device);
 
 /// Adds what an export or a list of machines holds and what is not there yet, all or nothing.
 /// Machines of a list become uploads of @p now, milliseconds since 1970.

@@ -149,7 +149,7 @@ int exportToOutput(resultStore &store)
 {
     QFile output;
     const bool isOpen = output.open(stdout, QIODevice::WriteOnly);
-    if (isOpen && exportAll(store, output) && output.flush())
+    if (isOpen && exportTo(store, output) && output.flush())
         return exitSuccess;
     return failed(QStringLiteral("the export is not complete: %1").arg(store.error()));
 }

@@ -94,7 +94,7 @@ QByteArray exported(resultStore &store)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    return exportAll(store, buffer) ? buffer.data() : QByteArray();
+    return exportTo(store, buffer) ? buffer.data() : QByteArray();
 }
 
 importReport import(resultStore &store, QByteArray xml)

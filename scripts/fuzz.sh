@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Builds the fuzzers and runs each for some seconds, from the corpus in fuzz/corpus. What they find is
+# left in build/fuzz/found.
+# usage: fuzz.sh [SECONDS], 60 if absent
+set -euo pipefail
+
+seconds=${1:-60}
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/setup.sh
+
+need_build_tools
+need_clang
+need_fuzzers
+install_missing
+build fuzz
+for kind in request xml; do
+    say "fuzzing for $seconds s: $kind"
+    mkdir -p "build/fuzz/corpus-$kind" build/fuzz/found
+    "build/fuzz/fuzz/fuzz-$kind" -max_total_time="$seconds" -max_len=65536 -timeout=10 \
+        -rss_limit_mb=2048 -print_final_stats=1 -verbosity=0 \
+        -artifact_prefix="build/fuzz/found/$kind-" \
+        "build/fuzz/corpus-$kind" "fuzz/corpus/$kind" 2>&1 | grep -v '^$'
+done
