@@ -42,10 +42,14 @@ std::optional<databaseAddress> parseDatabaseAddress(const QString &text)
     address.port = url.port();
     address.user = url.userName();
     address.password = url.password();
-    const QString directory =
-        QUrlQuery(url).queryItemValue(QStringLiteral("host"), QUrl::FullyDecoded);
-    if (!directory.isEmpty())
-        address.host = directory;
+    QStringList options(QStringLiteral("connect_timeout=5"));
+    for (const auto &[key, value] : QUrlQuery(url).queryItems(QUrl::FullyDecoded)) {
+        if (key == QLatin1String("host"))
+            address.host = value;
+        else
+            options.append(key + QLatin1Char('=') + value);
+    }
+    address.options = options.join(QLatin1Char(';'));
     return address.name.isEmpty() ? std::nullopt : std::make_optional(address);
 }
 
@@ -78,7 +82,7 @@ bool database::open()
             connection.setPort(address.port);
             connection.setUserName(address.user);
             connection.setPassword(address.password);
-            connection.setConnectOptions(QStringLiteral("connect_timeout=5"));
+            connection.setConnectOptions(address.options);
         }
         isConnected = connection.open();
         lastError = connection.lastError().text().trimmed();

@@ -18,9 +18,11 @@ struct databaseAddress {
     int port = -1;
     QString user;
     QString password;
+    QString options; ///< for the database's library, "sslmode=require;sslrootcert=FILE"
 };
 
-/// Reads "sqlite:FILE" or "postgresql://[USER[:PASSWORD]@][HOST][:PORT]/NAME[?host=DIRECTORY]".
+/// Reads "sqlite:FILE" or "postgresql://[USER[:PASSWORD]@][HOST][:PORT]/NAME[?host=DIRECTORY]",
+/// with sslmode and the like after the question mark too.
 std::optional<databaseAddress> parseDatabaseAddress(const QString &text);
 
 /// One connection. Used by the thread that made it alone.

@@ -11,10 +11,12 @@
 #include <QFile>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <thread>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace
@@ -73,6 +75,17 @@ private:
     std::thread thread;
 };
 
+/// Each connection takes a file handle, and the usual limit is too low for as many as are allowed.
+void raiseFileLimit(int connections)
+{
+    constexpr rlim_t others = 64;
+    rlimit files{};
+    getrlimit(RLIMIT_NOFILE, &files);
+    files.rlim_cur = std::max(files.rlim_cur,
+                              std::min(files.rlim_max, static_cast<rlim_t>(connections) + others));
+    setrlimit(RLIMIT_NOFILE, &files);
+}
+
 int serve(const serverCommand &command)
 {
     {
@@ -85,6 +98,7 @@ int serve(const serverCommand &command)
     const sigset_t set = endingSignals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
+    raiseFileLimit(command.options.connections);
     resultServer server(command.options);
     const int port = server.bind(command.address.toStdString(), command.port);
     const signalWaiter waiter(server);

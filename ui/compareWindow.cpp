@@ -2,6 +2,7 @@
 #include "ui/compareWindow.h"
 
 #include "data/benchDataAccess.h"
+#include "data/estimate.h"
 #include "engine/testBase.h"
 #include "ui/comparison.h"
 #include "ui/legendScrollView.h"
@@ -18,6 +19,8 @@
 #include <QLineSeries>
 #include <QToolTip>
 #include <QValueAxis>
+
+#include <algorithm>
 
 namespace
 {
@@ -290,6 +293,22 @@ void compareWindow::buildChart(int sortMode, int count, int kind, int osMask, co
     if (ipc)
         fullTitle += tr(" (per Clock)");
     showChart(createChart(createBars(machines, kind, title), youValue, fullTitle));
+    markEstimates(machines);
+}
+
+void compareWindow::markEstimates(const QVector<benchResults> &machines)
+{
+    // The labels by processor do not have the machines' names, which say so otherwise.
+    const auto count =
+        std::count_if(machines.begin(), machines.end(),
+                      [](const benchResults &machine) { return isEstimate(machine.getName()); });
+    if (count == 0) {
+        ui->statusBar->clearMessage();
+        return;
+    }
+    ui->statusBar->showMessage(
+        tr("%1 of %2 bars are modelled estimates (est.), not measured results")
+            .arg(QString::number(count), QString::number(machines.size())));
 }
 
 QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, int kind,

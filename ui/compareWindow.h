@@ -64,6 +64,8 @@ private:
     /// A chart of @p barSeries with a dashed line at @p youValue. Takes over the series.
     QChart *createChart(QBarSeries *barSeries, qreal youValue, const QString &title) const;
     void showChart(QChart *chart);
+    /// Says how many of the bars are modelled.
+    void markEstimates(const QVector<benchResults> &machines);
 
     benchDataAccess *dataAccess;
     QChartView *chartView = nullptr;

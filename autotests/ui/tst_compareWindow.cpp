@@ -143,6 +143,7 @@ private slots:
     void osFilters();
     void merging();
     void labelStyles();
+    void estimatesAreMarked();
     void perClock();
     void perClockIsOffered();
     void countFollowsTheMode();
@@ -429,6 +430,22 @@ void tst_compareWindow::labelStyles()
     QCOMPARE(f.labels().last(), QStringLiteral("[you] LAB7 4C 2 GHz (linux)"));
     f.click("checkBoxNameType");
     QCOMPARE(f.labels(), mergedLabels);
+}
+
+void tst_compareWindow::estimatesAreMarked()
+{
+    fixture f;
+    const auto *bar = f.find<QStatusBar>("statusBar");
+    QCOMPARE(bar->currentMessage(), QString());
+    const benchResults own = f.data.machines().takeLast();
+    f.data.add(QStringLiteral("Model (est.)"), 1, 2);
+    f.data.machines().append(own);
+    f.click("checkBoxNameType"); // the labels are without names now
+    QVERIFY(f.labels().contains(QStringLiteral("Model (est.) cpu X4  2 GHz")));
+    QCOMPARE(bar->currentMessage(),
+             QStringLiteral("1 of 5 bars are modelled estimates (est.), not measured results"));
+    f.click("checkBoxWindows");
+    QCOMPARE(bar->currentMessage(), QString());
 }
 
 void tst_compareWindow::perClock()
