@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchXml.h"
 
+#include <QBuffer>
 #include <QIODevice>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -129,6 +130,16 @@ void readMachines(QIODevice &device, QVector<benchResults> &machines)
     // all. In a faulty file, short pieces save what stands before such bytes.
     machines.resize(firstMachine);
     readPieces(content, shortPieceSize, true, machines);
+}
+
+QVector<benchResults> readMachines(const QByteArray &xml)
+{
+    QBuffer buffer;
+    buffer.setData(xml);
+    buffer.open(QIODevice::ReadOnly);
+    QVector<benchResults> machines;
+    readMachines(buffer, machines);
+    return machines;
 }
 
 void writeMachine(QXmlStreamWriter &xml, const benchResults &machine)

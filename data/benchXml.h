@@ -3,6 +3,7 @@
 
 #include "engine/benchResults.h"
 
+#include <QByteArray>
 #include <QVector>
 
 class QIODevice;
@@ -20,6 +21,9 @@ constexpr qint64 maximumXmlSize = 16 * 1024 * 1024;
 /// before the first machine, are ignored. @p device must be open for reading. Reading stops at the
 /// first fault; what came before it is kept.
 void readMachines(QIODevice &device, QVector<benchResults> &machines);
+
+/// The machines in @p xml.
+QVector<benchResults> readMachines(const QByteArray &xml);
 
 /// Writes @p machine as one element of such a list, its results ascending by name, clock and thread
 /// count as whole numbers, results with six significant digits. Characters that XML cannot hold

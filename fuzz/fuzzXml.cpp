@@ -4,30 +4,15 @@
 
 #include "data/benchXml.h"
 
-#include <QBuffer>
 #include <QXmlStreamWriter>
 
 #include <cstdint>
 #include <cstdlib>
 
-namespace
-{
-
-QVector<benchResults> read(QByteArray xml)
-{
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
-    QVector<benchResults> machines;
-    readMachines(buffer, machines);
-    return machines;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QVector<benchResults> machines =
-        read(QByteArray(reinterpret_cast<const char *>(data), static_cast<int>(size)));
+        readMachines(QByteArray(reinterpret_cast<const char *>(data), static_cast<int>(size)));
     QByteArray content;
     QXmlStreamWriter xml(&content);
     xml.writeStartElement(QStringLiteral("F"));
@@ -35,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         writeMachine(xml, machine);
     xml.writeEndElement();
     // Whatever was read can be written and is read again, each machine with all of its results.
-    const QVector<benchResults> again = read(content);
+    const QVector<benchResults> again = readMachines(content);
     if (again.size() != machines.size())
         std::abort();
     for (int i = 0; i < machines.size(); ++i) {

@@ -6,7 +6,6 @@
 #include "server/uploadCheck.h"
 #include "server/uploadOf.h"
 
-#include <QBuffer>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -25,15 +24,6 @@ qint64 timeOf(const QString &text)
     return QDateTime::fromString(text, Qt::ISODateWithMs).toMSecsSinceEpoch();
 }
 
-QVector<benchResults> machinesOf(QByteArray xml)
-{
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly);
-    QVector<benchResults> machines;
-    readMachines(buffer, machines);
-    return machines;
-}
-
 void writeUpload(QXmlStreamWriter &xml, const storedUpload &upload)
 {
     xml.writeStartElement(QStringLiteral("upload"));
@@ -41,8 +31,7 @@ void writeUpload(QXmlStreamWriter &xml, const storedUpload &upload)
     xml.writeAttribute(QStringLiteral("received"), timeText(upload.received));
     xml.writeAttribute(QStringLiteral("state"), upload.state);
     xml.writeAttribute(QStringLiteral("reason"), upload.reason);
-    for (const benchResults &machine : machinesOf(upload.content))
-        writeMachine(xml, machine);
+    writeMachine(xml, machineOf(upload));
     xml.writeEndElement();
 }
 

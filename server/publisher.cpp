@@ -3,8 +3,8 @@
 
 #include "data/benchXml.h"
 #include "data/estimate.h"
+#include "server/uploadOf.h"
 
-#include <QBuffer>
 #include <QSet>
 #include <QXmlStreamWriter>
 
@@ -28,14 +28,7 @@ void publisher::add(const storedUpload &upload)
 {
     if (upload.state == QLatin1String("withdrawn") || upload.isEmpty)
         return;
-    QByteArray content = upload.content;
-    QBuffer buffer(&content);
-    buffer.open(QIODevice::ReadOnly);
-    QVector<benchResults> read;
-    readMachines(buffer, read);
-    if (read.size() != 1)
-        return;
-    const benchResults &machine = read.first();
+    const benchResults machine = machineOf(upload);
     const QString processor = machine.getCpu().simplified();
     // What the programs call a processor that they could not find out.
     if (processor == QLatin1String("unknown"))

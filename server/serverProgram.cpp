@@ -6,8 +6,8 @@
 #include "server/log.h"
 #include "server/publisher.h"
 #include "server/serverCommand.h"
+#include "server/uploadOf.h"
 
-#include <QBuffer>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -192,12 +192,7 @@ int list(resultStore &store)
     row(QStringLiteral("ID"), QStringLiteral("RECEIVED (UTC)"), QStringLiteral("STATE"),
         QStringLiteral("PROCESSOR, SYSTEM, THREADS, RESULTS"));
     const bool isComplete = store.forEachUpload([&row](const storedUpload &upload) {
-        QByteArray xml = upload.content;
-        QBuffer buffer(&xml);
-        buffer.open(QIODevice::ReadOnly);
-        QVector<benchResults> machines;
-        readMachines(buffer, machines);
-        const benchResults machine = machines.value(0);
+        const benchResults machine = machineOf(upload);
         const QString text =
             QStringLiteral("%1, %2, %3, %4")
                 .arg(machine.getCpu(), machine.getOs(), QString::number(machine.getThreads()),

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/uploadOf.h"
 
+#include "data/benchXml.h"
 #include "server/uploadCheck.h"
 
 #include <QCryptographicHash>
@@ -14,4 +15,9 @@ storedUpload uploadOf(const benchResults &machine, qint64 now)
     upload.state = QStringLiteral("received");
     upload.isEmpty = isAllZero(machine);
     return upload;
+}
+
+benchResults machineOf(const storedUpload &upload)
+{
+    return readMachines(upload.content).value(0);
 }

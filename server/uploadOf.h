@@ -8,3 +8,6 @@ class benchResults;
 /// A new upload of @p machine, received at @p now, milliseconds since 1970. Equal results have
 /// equal hashes.
 storedUpload uploadOf(const benchResults &machine, qint64 now);
+
+/// The machine of an upload.
+benchResults machineOf(const storedUpload &upload);

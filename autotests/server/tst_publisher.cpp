@@ -5,7 +5,6 @@
 
 #include "support/uploads.h"
 
-#include <QBuffer>
 #include <QtTest>
 
 #include <algorithm>
@@ -23,12 +22,7 @@ QByteArray xmlOf(const publisher &lists, bool isBeta)
 
 QVector<benchResults> machinesOf(const publisher &lists, bool isBeta)
 {
-    QByteArray xml = xmlOf(lists, isBeta);
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly);
-    QVector<benchResults> machines;
-    readMachines(buffer, machines);
-    return machines;
+    return readMachines(xmlOf(lists, isBeta));
 }
 
 QString namesOf(const publisher &lists, bool isBeta)

@@ -9,7 +9,6 @@
 #include "support/serverProcess.h"
 #include "support/uploads.h"
 
-#include <QBuffer>
 #include <QtTest>
 
 #include <csignal>
@@ -46,6 +45,7 @@ private slots:
     void drippingClient();
     void manySlowClients();
     void twoProcessesOnOneDatabase();
+    void healthWithoutADatabase();
     void killedUnderLoad_data();
     void killedUnderLoad();
     void logsHoldNoNames();
@@ -74,15 +74,6 @@ int listed(const QString &database)
     const auto result =
         serverProcess::run({QStringLiteral("list"), QStringLiteral("--database"), database});
     return result.code == 0 ? result.out.count(QLatin1Char('\n')) - 1 : -1;
-}
-
-QVector<benchResults> machinesOf(QByteArray xml)
-{
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly);
-    QVector<benchResults> machines;
-    readMachines(buffer, machines);
-    return machines;
 }
 
 /// Uploads one result after the other until the server is gone; the numbers of those that were
@@ -119,7 +110,7 @@ void tst_serverProgram::fourActions()
     QCOMPARE(data, QByteArray("1010"));
     QByteArray builtIn;
     QVERIFY(database.request(httpDatabase::reference, builtIn));
-    QVERIFY(!machinesOf(builtIn).isEmpty());
+    QVERIFY(!readMachines(builtIn).isEmpty());
     QVERIFY(database.request(httpDatabase::betaReference, data));
     QCOMPARE(data, builtIn);
     data = uploadXml("LAB7", "Some CPU", "12.5");
@@ -245,7 +236,7 @@ void tst_serverProgram::publishedListIsServed()
     QVERIFY(client.request(httpDatabase::referenceVersion, data));
     QCOMPARE(data, QByteArray("1011"));
     QVERIFY(client.request(httpDatabase::reference, data));
-    const benchResults newest = machinesOf(data).last();
+    const benchResults newest = readMachines(data).last();
     QCOMPARE(newest.getName(), QStringLiteral("New CPU"));
     QCOMPARE(newest.getTests().value(QStringLiteral("mandel")).value, 20.0F);
     QVERIFY(data.size() > 0 && !data.contains("machineName=\"x\""));
@@ -262,7 +253,7 @@ void tst_serverProgram::nastyNamesArrive()
     QVERIFY(client.request(httpDatabase::storeResults, xml));
     const auto exported =
         serverProcess::run({QStringLiteral("export"), QStringLiteral("--database"), database});
-    const QVector<benchResults> machines = machinesOf(exported.out.toUtf8());
+    const QVector<benchResults> machines = readMachines(exported.out.toUtf8());
     QCOMPARE(machines.size(), 1);
     QCOMPARE(machines.first().getName(), name);
     QCOMPARE(machines.first().getCpu(), name);
@@ -461,6 +452,24 @@ void tst_serverProgram::twoProcessesOnOneDatabase()
     QVERIFY(lists[0].contains("Shared CPU"));
 }
 
+void tst_serverProgram::healthWithoutADatabase()
+{
+    const serverProcess server(postgres->newDatabase());
+    const auto health = [&server] {
+        rawClient client(server.port);
+        client.send("GET /health HTTP/1.1\r\nHost: x\r\n\r\n");
+        return statusOf(client.response());
+    };
+    QCOMPARE(health(), 200);
+    QVERIFY(postgres->stop());
+    QCOMPARE(health(), 503);
+    QCOMPARE(statusOf(rawClient(server.port).post(askVersion)), 503);
+    QCOMPARE(statusOf(rawClient(server.port).post(uploadForm(uploadXml("a", "b", "1")))), 503);
+    QVERIFY(postgres->start());
+    QCOMPARE(health(), 200);
+    QCOMPARE(statusOf(rawClient(server.port).post(uploadForm(uploadXml("a", "b", "1")))), 200);
+}
+
 void tst_serverProgram::killedUnderLoad_data()
 {
     QTest::addColumn<bool>("isSqlite");
@@ -498,7 +507,7 @@ void tst_serverProgram::killedUnderLoad()
         serverProcess::run({QStringLiteral("export"), QStringLiteral("--database"), database});
     QCOMPARE(exported.code, 0);
     QSet<QString> found;
-    for (const benchResults &machine : machinesOf(exported.out.toUtf8())) {
+    for (const benchResults &machine : readMachines(exported.out.toUtf8())) {
         QCOMPARE(machine.getTests().size(), 1); // none is half
         found.insert(machine.getName());
     }
