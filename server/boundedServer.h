@@ -21,12 +21,14 @@ public:
     int bind(const std::string &address, int port);
     /// Serves until stop() is called, then finishes what is in flight.
     bool serve();
+    /// Ends serve(), also one that has been called but does not accept yet.
+    void end();
 
 private:
     bool process_and_close_socket(socket_t sock) override;
     void serveConnection(socket_t sock);
-    /// How long a request, or the wait for one, may take now.
-    std::chrono::milliseconds patience() const;
+    /// Whether so many connections are open that deadlines are short.
+    bool isCrowded() const;
 
     int limit;
     std::atomic<int> connections = 0;

@@ -30,8 +30,9 @@ void publisher::add(const storedUpload &upload)
         return;
     const benchResults machine = machineOf(upload);
     const QString processor = machine.getCpu().simplified();
-    // What the programs call a processor that they could not find out.
-    if (processor == QLatin1String("unknown"))
+    // What the programs call a processor that they could not find out; and no measured machine may
+    // look like a modelled one.
+    if (processor == QLatin1String("unknown") || isEstimate(processor))
         return;
     group &own = groups[{processor, machine.getOs(), machine.getThreads()}];
     ++own.uploads;

@@ -24,7 +24,8 @@ public:
     /// the same processor.
     explicit publisher(const QVector<benchResults> &builtInMachines) : builtIn(builtInMachines) {}
 
-    /// Counts @p upload in, unless it is withdrawn, holds no results, or its processor is unknown.
+    /// Counts @p upload in, unless it is withdrawn, holds no results, or its processor is unknown
+    /// or called an estimate.
     void add(const storedUpload &upload);
 
     /// The XML of the list, packed by qCompress.

@@ -32,7 +32,7 @@ public:
     int bind(const std::string &address, int port) { return http.bind(address, port); }
     /// Serves until stop() is called from another thread.
     bool serve() { return http.serve(); }
-    void stop() { http.stop(); }
+    void stop() { http.end(); }
 
     /// What a POST of @p body from @p address is answered.
     answer respond(const QByteArray &body, const std::string &address);

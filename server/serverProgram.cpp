@@ -101,11 +101,11 @@ int serve(const serverCommand &command)
     raiseFileLimit(command.options.connections);
     resultServer server(command.options);
     const int port = server.bind(command.address.toStdString(), command.port);
-    const signalWaiter waiter(server);
     if (port < 0) {
         return failed(QStringLiteral("cannot listen on %1:%2; is something else listening there?")
                           .arg(command.address, QString::number(command.port)));
     }
+    const signalWaiter waiter(server);
     write(QStringLiteral("Listening on %1:%2\n").arg(command.address, QString::number(port)),
           stdout);
     const bool isDone = server.serve();

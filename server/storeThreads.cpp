@@ -9,6 +9,20 @@ namespace
 /// So many uploads share a transaction at most, so that none waits for long.
 constexpr std::size_t largestBatch = 500;
 
+/// After that, whoever waits is told that the database does not answer.
+constexpr auto longestWait = std::chrono::seconds(15);
+
+/// Stores @p uploads, on a new connection if the first one fails: it may be that of a database that
+/// has been restarted.
+bool addTo(resultStore &store, const QVector<storedUpload> &uploads)
+{
+    if (store.open() && store.add(uploads))
+        return true;
+    writeLog(QStringLiteral("storing again after: %1").arg(store.error()));
+    store.close();
+    return store.open() && store.add(uploads);
+}
+
 } // namespace
 
 storeThreads::storeThreads(const databaseAddress &address, int readers) : place(address)
@@ -62,16 +76,14 @@ void storeThreads::serveWrites()
             writes.pop_front();
         }
         lock.unlock();
-        bool isStored = store.open() && store.add(uploads);
-        if (!isStored) { // the connection may be the one of a database that has been restarted
-            writeLog(QStringLiteral("storing again after: %1").arg(store.error()));
-            store.close();
-            isStored = store.open() && store.add(uploads);
-        }
-        if (!isStored)
-            writeLog(QStringLiteral("not stored: %1").arg(store.error()));
-        for (writeJob &job : batch)
+        const bool areStored = addTo(store, uploads);
+        for (writeJob &job : batch) {
+            // One that the database does not take must not cost the others.
+            const bool isStored = areStored || (batch.size() > 1 && addTo(store, {job.upload}));
+            if (!isStored)
+                writeLog(QStringLiteral("not stored: %1").arg(store.error()));
             job.isStored.set_value(isStored);
+        }
         lock.lock();
     }
 }
@@ -80,24 +92,25 @@ template <typename Result>
 std::optional<Result> storeThreads::read(std::optional<Result> (*operation)(resultStore &, bool),
                                          bool argument)
 {
-    std::promise<std::optional<Result>> promise;
-    std::future<std::optional<Result>> result = promise.get_future();
+    // Shared, because whoever waits may have gone when the answer comes.
+    const auto promise = std::make_shared<std::promise<std::optional<Result>>>();
+    std::future<std::optional<Result>> result = promise->get_future();
     {
         const std::lock_guard lock(mutex);
         if (isEnding || reads.size() >= longestQueue)
             return std::nullopt;
-        reads.emplace_back([&promise, operation, argument](resultStore *store) {
+        reads.emplace_back([promise, operation, argument](resultStore *store) {
             std::optional<Result> found = store ? operation(*store, argument) : std::nullopt;
             if (store && !found) {
                 store->close();
                 if (store->open())
                     found = operation(*store, argument);
             }
-            promise.set_value(found);
+            promise->set_value(found);
         });
     }
     readsChanged.notify_one();
-    return result.get();
+    return result.wait_for(longestWait) == std::future_status::ready ? result.get() : std::nullopt;
 }
 
 std::optional<int> storeThreads::newestVersion()
@@ -122,5 +135,5 @@ bool storeThreads::add(const storedUpload &upload)
         isStored = writes.back().isStored.get_future();
     }
     writesChanged.notify_one();
-    return isStored.get();
+    return isStored.wait_for(longestWait) == std::future_status::ready && isStored.get();
 }

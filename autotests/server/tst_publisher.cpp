@@ -146,6 +146,7 @@ void tst_publisher::withdrawnAndEmptyAndUnknown()
     uploads[1].state = QStringLiteral("withdrawn");
     uploads.append(stored(machineWith(QString(), QStringLiteral("Zero"), 0)));
     uploads.append(stored(machineWith(QString(), QStringLiteral("unknown"), 1)));
+    uploads.append(stored(machineWith(QString(), QStringLiteral("A (est.)"), 1)));
     const publisher lists = withUploads(uploads);
     QCOMPARE(namesOf(lists, false), QString());
     QCOMPARE(namesOf(lists, true), cpu);

@@ -28,6 +28,7 @@ private slots:
     void otherRequests_data();
     void otherRequests();
     void tooLarge();
+    void rangesAreNotServed();
     void uploadAnswers();
     void uploadLimit();
     void uploadLimitBehindAProxy();
@@ -174,6 +175,18 @@ void tst_serverProgram::tooLarge()
         endless.send("X-" + QByteArray::number(i) + ": " + QByteArray(1'000, 'x') + "\r\n");
     QVERIFY(endless.timeToClose(5'000) >= 0);
     QCOMPARE(statusOf(rawClient(server.port).post(askVersion)), 200);
+}
+
+void tst_serverProgram::rangesAreNotServed()
+{
+    const serverProcess server(sqlite());
+    rawClient client(server.port);
+    const QByteArray form = "app=Fennick&type=getReference";
+    const QByteArray whole = client.post(form);
+    const QByteArray ranges = "Range: bytes=" + QByteArray("0-,").repeated(1'000) + "0-\r\n";
+    const QByteArray response = client.post(form, ranges);
+    QCOMPARE(statusOf(response), 200);
+    QCOMPARE(bodyOf(response), bodyOf(whole));
 }
 
 void tst_serverProgram::uploadAnswers()

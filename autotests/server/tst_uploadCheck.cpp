@@ -160,8 +160,11 @@ void tst_uploadCheck::ceilings()
 {
     for (auto entry = resultCeilings().begin(); entry != resultCeilings().end(); ++entry) {
         benchResults machine = machineWith(QStringLiteral("m"), QStringLiteral("c"), 1);
-        machine.setTest(entry.key(), benchResults::test(std::nextafter(*entry, 0.0F)));
+        machine.setTest(entry.key(), benchResults::test(*entry * 0.9999F));
         QCOMPARE(faultOf(machine), QString());
+        // Just below, but not with the six digits of what is stored.
+        machine.setTest(entry.key(), benchResults::test(std::nextafter(*entry, 0.0F)));
+        QVERIFY(faultOf(machine).contains(entry.key()));
         machine.setTest(entry.key(), benchResults::test(*entry));
         QVERIFY(faultOf(machine).contains(entry.key()));
         machine.setTest(entry.key(), benchResults::test(std::numeric_limits<float>::quiet_NaN()));
