@@ -58,7 +58,7 @@ void tst_resultwindow::form()
     QCOMPARE(button->text(), QStringLiteral("close"));
     QCOMPARE(button->focusPolicy(), Qt::NoFocus);
     QCOMPARE(window.centralWidget()->objectName(), QStringLiteral("centralwidget"));
-    QVERIFY(find<QMenuBar>(window, "menubar"));
+    QCOMPARE(find<QMenuBar>(window, "menubar")->geometry(), QRect(0, 0, 460, 21));
     QVERIFY(find<QStatusBar>(window, "statusbar"));
 }
 
