@@ -128,3 +128,13 @@ inline QByteArray bodyOf(const QByteArray &response)
 {
     return response.mid(response.indexOf("\r\n\r\n") + 4);
 }
+
+inline const QByteArray askVersion = "?app=Fennick&type=getReferenceVersion";
+
+/// The number of uploads in a database, or -1.
+inline int listed(const QString &database)
+{
+    const auto result =
+        serverProcess::run({QStringLiteral("list"), QStringLiteral("--database"), database});
+    return result.code == 0 ? result.out.count(QLatin1Char('\n')) - 1 : -1;
+}

@@ -1,118 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/compareWindow.h"
+#include "support/compareFixture.h"
 
-#include "data/benchDataAccess.h"
-
-#include "support/fakeTest.h"
-#include "support/textLog.h"
-
-#include <QAction>
-#include <QBarSeries>
-#include <QBarSet>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QGestureEvent>
-#include <QGraphicsLayout>
-#include <QGroupBox>
-#include <QLabel>
 #include <QLegendMarker>
 #include <QLineSeries>
-#include <QMetaMethod>
 #include <QPointer>
-#include <QPushButton>
 #include <QStatusBar>
 #include <QToolTip>
-#include <QtTest>
 #include <QValueAxis>
-#include <QVBoxLayout>
 
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace
 {
-
-const QString oneCore = QStringLiteral("colors "); // names may end in a blank
-const QString manyCores = QStringLiteral("mandel (multicore)");
-
-/// A list of machines to fill at will.
-class machineList : public benchDataAccess
-{
-public:
-    machineList(printHook *log, const QVector<testBase *> &tests) : benchDataAccess(log, tests) {}
-
-    void add(const QString &name, float single, float multi,
-             const QString &os = QStringLiteral("windows"))
-    {
-        benchResults machine(name, os, name + QStringLiteral(" cpu"), 2e9F, 4);
-        machine.setTest(oneCore, benchResults::test(single));
-        machine.setTest(manyCores, benchResults::test(multi));
-        results.append(machine);
-    }
-    QVector<benchResults> &machines() { return results; }
-};
-
-/// A compare window over fakes; the last machine, LAB7, is the user's.
-struct fixture {
-    explicit fixture(bool showIpc = true)
-    {
-        multi.multicore = true;
-        hidden.setSingleOnly(true);
-        data.add(QStringLiteral("PC-A"), 10, 100);
-        data.add(QStringLiteral("PC-B"), 40, 50, QStringLiteral("linux"));
-        data.add(QStringLiteral("Phone %1"), 5, 400, QStringLiteral("android"));
-        data.add(QStringLiteral("pc-a"), 30, 300);
-        data.add(QStringLiteral("LAB7"), 20, 200, QStringLiteral("linux"));
-        data.machines().last().setMeasured(true);
-        window = std::make_unique<compareWindow>(nullptr, &data, showIpc, 9);
-        window->show();
-    }
-
-    template <typename T> T *find(const char *name) const
-    {
-        return window->findChild<T *>(QString::fromLatin1(name));
-    }
-    QChart *chart() const { return window->findChild<QChartView *>()->chart(); }
-    QBarSeries *bars() const { return qobject_cast<QBarSeries *>(chart()->series().at(0)); }
-    QStringList labels() const
-    {
-        QStringList list;
-        for (const QBarSet *set : bars()->barSets())
-            list.append(set->label());
-        return list;
-    }
-    QVector<double> values() const
-    {
-        QVector<double> list;
-        for (const QBarSet *set : bars()->barSets())
-            list.append(set->at(0));
-        return list;
-    }
-    void click(const char *checkBox) const { find<QCheckBox>(checkBox)->click(); }
-    /// Chooses an item as a user does.
-    void choose(const char *comboBox, int index) const
-    {
-        auto *box = find<QComboBox>(comboBox);
-        box->setCurrentIndex(index);
-        emit box->activated(index);
-    }
-    void swipe(QSwipeGesture::SwipeDirection direction) const
-    {
-        QSwipeGesture gesture;
-        gesture.setSwipeAngle(direction == QSwipeGesture::Left ? 180 : 0);
-        QCOMPARE(gesture.horizontalDirection(), direction);
-        QGestureEvent event({&gesture});
-        QApplication::sendEvent(window.get(), &event);
-    }
-
-    textLog log;
-    fakeTest single{oneCore, nullptr};
-    fakeTest multi{manyCores, nullptr};
-    fakeTest hidden{QStringLiteral("hidden"), nullptr};
-    machineList data{&log, {&single, &multi, &hidden}};
-    std::unique_ptr<compareWindow> window;
-};
 
 const QStringList mergedLabels = {QStringLiteral("PC-B"), QStringLiteral("PC-A"),
                                   QStringLiteral("Phone %1"), QStringLiteral("[you] LAB7")};
@@ -124,12 +24,6 @@ class tst_compareWindow : public QObject
     Q_OBJECT
 
 private slots:
-    void form();
-    void styleSheet();
-    void actions();
-    void choosers();
-    void slotOrder();
-    void withoutData();
     void firstChart();
     void barsAndLine();
     void kinds_data();
@@ -140,7 +34,6 @@ private slots:
     void labelStyles();
     void estimatesAreMarked();
     void perClock();
-    void perClockIsOffered();
     void countFollowsTheMode();
     void countLimitsTheBars();
     void tooFewMachines();
@@ -151,155 +44,13 @@ private slots:
     void hoverOutside();
     void legendIsScrolledByTheWheel();
     void axisLabelsCanBeRead();
-    void closeButton();
     void debugLine();
     void chartsAreReleased();
 };
 
-void tst_compareWindow::form()
-{
-    const compareWindow window(nullptr, nullptr, false, 9);
-    QCOMPARE(window.size(), QSize(557, 494));
-    QCOMPARE(window.windowTitle(), QStringLiteral("compare window"));
-    const auto *outer = window.findChild<QVBoxLayout *>(QStringLiteral("verticalLayout"));
-    QCOMPARE(outer->contentsMargins(), QMargins(1, 1, 1, 1));
-    QVERIFY(window.findChild<QVBoxLayout *>(QStringLiteral("verticalLayout_2")));
-    const auto *show = window.findChild<QHBoxLayout *>(QStringLiteral("Show"));
-    QCOMPARE(show->contentsMargins(), QMargins(0, 30, 0, 0));
-    QStringList order;
-    for (int i = 0; i < show->count(); ++i) {
-        const QWidget *widget = show->itemAt(i)->widget();
-        order.append(widget ? widget->objectName() : QStringLiteral("-"));
-    }
-    QCOMPARE(order.join(QLatin1Char(' ')),
-             QStringLiteral("checkBoxAndroid checkBoxWindows checkBoxLinux - checkBoxMerged "
-                            "checkBoxIPC checkBoxNameType"));
-    QCOMPARE(show->itemAt(3)->spacerItem()->sizePolicy().horizontalPolicy(),
-             QSizePolicy::Expanding);
-    const auto *choose = window.findChild<QHBoxLayout *>(QStringLiteral("horizontalLayout_2"));
-    QCOMPARE(choose->contentsMargins(), QMargins(0, 30, 0, 0));
-    QCOMPARE(choose->spacing(), 0);
-    QCOMPARE(window.findChild<QGridLayout *>(QStringLiteral("gridLayout"))->spacing(), 0);
-    for (const char *name : {"groupBox", "groupBox_2"}) {
-        const auto *group = window.findChild<QGroupBox *>(QString::fromLatin1(name));
-        QVERIFY(group->font().bold());
-        QVERIFY(group->font().italic());
-        QVERIFY(group->title().isEmpty());
-    }
-    const QStringList texts = {QStringLiteral("Android"), QStringLiteral("Windows"),
-                               QStringLiteral("Linux"),   QStringLiteral("merged"),
-                               QStringLiteral("x/clk"),   QStringLiteral("short/CPU/all")};
-    QStringList found;
-    for (const QCheckBox *box : window.findChildren<QCheckBox *>()) {
-        found.append(box->text());
-        QCOMPARE(box->font().weight(), int(QFont::Normal));
-        const bool isChecked = texts.indexOf(box->text()) < 4;
-        QCOMPARE(box->checkState(), isChecked ? Qt::Checked : Qt::Unchecked);
-    }
-    QCOMPARE(found, texts);
-    for (const char *name : {"comboBoxSortBy", "comboBoxCount", "comboBox"})
-        QCOMPARE(window.findChild<QComboBox *>(QString::fromLatin1(name))->minimumHeight(), 0);
-    const auto *sortBy = window.findChild<QComboBox *>(QStringLiteral("comboBoxSortBy"));
-    QCOMPARE(sortBy->sizePolicy().horizontalPolicy(), QSizePolicy::MinimumExpanding);
-    QCOMPARE(sortBy->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
-    const auto *close = window.findChild<QPushButton *>(QStringLiteral("closeButton"));
-    QCOMPARE(close->text(), QStringLiteral("close"));
-    QVERIFY(close->font().bold());
-    QVERIFY(window.findChild<QStatusBar *>(QStringLiteral("statusBar")));
-}
-
-void tst_compareWindow::styleSheet()
-{
-    const fixture f;
-    auto *box = f.find<QCheckBox>("checkBoxNameType");
-    QCOMPARE(box->styleSheet(),
-             QStringLiteral(
-                 "QCheckBox::indicator:unchecked \n{\nimage: url(:/icons/state1.png);\n}\n\n"
-                 "QCheckBox::indicator:indeterminate\n{\nimage: url(:/icons/state2.png);\n}\n\n"
-                 "QCheckBox::indicator:checked \n{\nimage: url(:/icons/state3.png);\n}\n\n"));
-    QVERIFY(box->isTristate());
-    QVector<QImage> looks;
-    QVector<Qt::CheckState> states;
-    for (int i = 0; i < 3; ++i) {
-        states.append(box->checkState());
-        looks.append(box->grab().toImage());
-        box->click();
-    }
-    QCOMPARE(states, QVector<Qt::CheckState>({Qt::Unchecked, Qt::PartiallyChecked, Qt::Checked}));
-    QCOMPARE(box->checkState(), Qt::Unchecked);
-    QVERIFY(looks.at(0) != looks.at(1));
-    QVERIFY(looks.at(1) != looks.at(2));
-    QVERIFY(looks.at(0) != looks.at(2));
-}
-
-void tst_compareWindow::actions()
-{
-    const fixture f;
-    const auto *names = f.find<QAction>("actionShort_names");
-    QCOMPARE(names->text(), QStringLiteral("Short names"));
-    QVERIFY(names->isCheckable() && names->isChecked());
-    const auto *cpu = f.find<QAction>("actionCPU_name");
-    QCOMPARE(cpu->text(), QStringLiteral("CPU name"));
-    QVERIFY(cpu->isCheckable() && !cpu->isChecked());
-}
-
-void tst_compareWindow::choosers()
-{
-    const fixture f;
-    const auto items = [&f](const char *name) {
-        const auto *box = f.find<QComboBox>(name);
-        QStringList list;
-        for (int i = 0; i < box->count(); ++i)
-            list.append(box->itemText(i) + QLatin1Char('|') + box->itemData(i).toString());
-        return list.join(QLatin1Char(','));
-    };
-    QCOMPARE(items("comboBoxSortBy"),
-             QStringLiteral(
-                 "Mixed devices|0,Top devices|1,Medium devices|2,Last devices|3,All devices|4"));
-    QCOMPARE(items("comboBoxCount"), QStringLiteral("20|,25|,30|,35|,40|,45|,50|"));
-    QCOMPARE(items("comboBox"),
-             QStringLiteral("combined (single core)|0,combined (multi core)|1,combined|2,"
-                            "test: colors |3,test: mandel (multicore)|3"));
-    QVERIFY(f.find<QComboBox>("comboBoxCount")->isEnabled());
-}
-
-void tst_compareWindow::slotOrder()
-{
-    const QMetaObject &meta = compareWindow::staticMetaObject;
-    QStringList slotNames;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        slotNames.append(QString::fromLatin1(meta.method(i).methodSignature()));
-    QCOMPARE(slotNames.join(QLatin1Char(' ')),
-             QStringLiteral("selectionChanged(int) ipcChanged(bool) osFilterChanged(bool) "
-                            "nameTypeStateChanged(int) selectionCountChanged(int) "
-                            "sortByChanged(int) barHovered(bool,int,QBarSet*) mergeChanged(bool)"));
-    const int hovered = meta.indexOfMethod("barHovered(bool,int,QBarSet*)");
-    QCOMPARE(meta.method(hovered).parameterNames().mid(0, 2),
-             QList<QByteArray>({"status", "indx"}));
-    const int selection = meta.indexOfMethod("selectionChanged(int)");
-    QCOMPARE(meta.method(selection).parameterNames(), QList<QByteArray>({"i"}));
-}
-
-void tst_compareWindow::withoutData()
-{
-    compareWindow window(nullptr, nullptr, true, 9);
-    window.show();
-    QVERIFY(!window.findChild<QChartView *>());
-    QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBox"))->count(), 0);
-    QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBoxSortBy"))->count(), 5);
-    QCOMPARE(window.findChild<QComboBox *>(QStringLiteral("comboBoxCount"))->count(), 7);
-    QVERIFY(window.findChild<QCheckBox *>(QStringLiteral("checkBoxIPC"))->isHidden());
-    window.findChild<QCheckBox *>(QStringLiteral("checkBoxMerged"))->click();
-    QSwipeGesture gesture;
-    QGestureEvent event({&gesture});
-    QApplication::sendEvent(&window, &event);
-    window.findChild<QPushButton *>(QStringLiteral("closeButton"))->click();
-    QVERIFY(window.isVisible());
-}
-
 void tst_compareWindow::firstChart()
 {
-    const fixture f;
+    const compareFixture f;
     QCOMPARE(f.chart()->title(), QStringLiteral("combined (singlecore)"));
     // PC-A and pc-a are one: (10 + 30) / 2 against 20.
     QCOMPARE(f.labels(), mergedLabels);
@@ -309,7 +60,7 @@ void tst_compareWindow::firstChart()
 
 void tst_compareWindow::barsAndLine()
 {
-    const fixture f;
+    const compareFixture f;
     QCOMPARE(f.bars()->barWidth(), 0.9);
     QCOMPARE(f.chart()->series().size(), 2);
     for (QBarSet *set : f.bars()->barSets()) {
@@ -366,7 +117,7 @@ void tst_compareWindow::kinds_data()
 void tst_compareWindow::kinds()
 {
     QFETCH(int, index);
-    const fixture f;
+    const compareFixture f;
     f.choose("comboBox", index);
     QTEST(f.chart()->title(), "title");
     QTEST(f.values(), "values");
@@ -376,7 +127,7 @@ void tst_compareWindow::kinds()
 
 void tst_compareWindow::titleWithoutMeasurement()
 {
-    fixture f;
+    compareFixture f;
     f.data.machines().last().setMeasured(false);
     f.choose("comboBox", 3);
     QCOMPARE(f.chart()->title(), QStringLiteral("colors "));
@@ -390,7 +141,7 @@ void tst_compareWindow::titleWithoutMeasurement()
 
 void tst_compareWindow::osFilters()
 {
-    const fixture f;
+    const compareFixture f;
     f.click("checkBoxAndroid");
     QCOMPARE(f.labels(), QStringList({QStringLiteral("PC-B"), QStringLiteral("PC-A"),
                                       QStringLiteral("[you] LAB7")}));
@@ -404,7 +155,7 @@ void tst_compareWindow::osFilters()
 
 void tst_compareWindow::merging()
 {
-    const fixture f;
+    const compareFixture f;
     f.click("checkBoxMerged");
     QCOMPARE(f.labels(),
              QStringList({QStringLiteral("PC-B"), QStringLiteral("pc-a"), QStringLiteral("PC-A"),
@@ -416,7 +167,7 @@ void tst_compareWindow::merging()
 
 void tst_compareWindow::labelStyles()
 {
-    const fixture f;
+    const compareFixture f;
     f.click("checkBoxNameType");
     QCOMPARE(f.labels().at(2), QStringLiteral("Phone %1 cpu X4  2 GHz"));
     QCOMPARE(f.labels().last(), QStringLiteral("[you] LAB7 cpu X4  2 GHz"));
@@ -429,7 +180,7 @@ void tst_compareWindow::labelStyles()
 
 void tst_compareWindow::estimatesAreMarked()
 {
-    fixture f;
+    compareFixture f;
     const auto *bar = f.find<QStatusBar>("statusBar");
     QCOMPARE(bar->currentMessage(), QString());
     const benchResults own = f.data.machines().takeLast();
@@ -445,7 +196,7 @@ void tst_compareWindow::estimatesAreMarked()
 
 void tst_compareWindow::perClock()
 {
-    fixture f;
+    compareFixture f;
     benchResults twice(QStringLiteral("Twice"), QStringLiteral("linux"), QString(), 4e9F, 8);
     twice.setTest(oneCore, benchResults::test(20));
     twice.setTest(manyCores, benchResults::test(200));
@@ -463,15 +214,9 @@ void tst_compareWindow::perClock()
     QCOMPARE(f.chart()->title(), QStringLiteral("mandel (multicore) [you: 200 MFakes]"));
 }
 
-void tst_compareWindow::perClockIsOffered()
-{
-    QVERIFY(fixture(true).find<QCheckBox>("checkBoxIPC")->isVisible());
-    QVERIFY(!fixture(false).find<QCheckBox>("checkBoxIPC")->isVisible());
-}
-
 void tst_compareWindow::countFollowsTheMode()
 {
-    const fixture f;
+    const compareFixture f;
     const auto *count = f.find<QComboBox>("comboBoxCount");
     f.choose("comboBoxSortBy", 4);
     QVERIFY(!count->isEnabled());
@@ -483,7 +228,7 @@ void tst_compareWindow::countFollowsTheMode()
 
 void tst_compareWindow::countLimitsTheBars()
 {
-    fixture f;
+    compareFixture f;
     const benchResults own = f.data.machines().takeLast();
     f.data.machines().clear();
     for (int i = 0; i < 99; ++i)
@@ -506,7 +251,7 @@ void tst_compareWindow::countLimitsTheBars()
 
 void tst_compareWindow::tooFewMachines()
 {
-    fixture f;
+    compareFixture f;
     const QChart *before = f.chart();
     f.data.machines().resize(1);
     f.click("checkBoxMerged");
@@ -519,7 +264,7 @@ void tst_compareWindow::tooFewMachines()
 
 void tst_compareWindow::missingAndInfiniteValues()
 {
-    fixture f;
+    compareFixture f;
     const auto small = static_cast<double>(0.0001F);
     f.data.machines()[1].getTests().remove(oneCore);
     f.data.machines()[2].setTest(oneCore, benchResults::test(-3));
@@ -543,7 +288,7 @@ void tst_compareWindow::missingAndInfiniteValues()
 
 void tst_compareWindow::swipes()
 {
-    const fixture f;
+    const compareFixture f;
     f.choose("comboBox", 1);
     f.swipe(QSwipeGesture::Left);
     QCOMPARE(f.chart()->title(), QStringLiteral("combined (singlecore)"));
@@ -566,7 +311,7 @@ void tst_compareWindow::swipes()
 
 void tst_compareWindow::swipeToATestKeepsTheText()
 {
-    const fixture f;
+    const compareFixture f;
     f.choose("comboBox", 3);
     f.swipe(QSwipeGesture::Right);
     QCOMPARE(f.chart()->title(), QStringLiteral("colors  [you: 20 MFakes]"));
@@ -579,7 +324,7 @@ void tst_compareWindow::swipeToATestKeepsTheText()
 
 void tst_compareWindow::hovering()
 {
-    const fixture f;
+    const compareFixture f;
     QBarSet *set = f.bars()->barSets().at(2);
     emit f.bars()->hovered(true, 0, set);
     QCOMPARE(set->pen(), QPen(QBrush(Qt::black), 4));
@@ -591,7 +336,7 @@ void tst_compareWindow::hovering()
 
 void tst_compareWindow::hoverOutside()
 {
-    const fixture f;
+    const compareFixture f;
     QBarSet *set = f.bars()->barSets().at(0);
     f.window->barHovered(true, 1, set);
     QCOMPARE(set->pen().width(), 1);
@@ -600,7 +345,7 @@ void tst_compareWindow::hoverOutside()
 
 void tst_compareWindow::legendIsScrolledByTheWheel()
 {
-    fixture f;
+    compareFixture f;
     const benchResults own = f.data.machines().takeLast();
     for (int i = 0; i < 60; ++i)
         f.data.add(QStringLiteral("machine %1").arg(i), 1, 1);
@@ -643,7 +388,7 @@ void tst_compareWindow::legendIsScrolledByTheWheel()
 
 void tst_compareWindow::axisLabelsCanBeRead()
 {
-    const fixture f;
+    const compareFixture f;
     QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
     QCoreApplication::processEvents();
     auto *axis = qobject_cast<QValueAxis *>(f.chart()->axes().at(0));
@@ -655,17 +400,9 @@ void tst_compareWindow::axisLabelsCanBeRead()
              QFontInfo(f.chart()->legend()->font()).pixelSize());
 }
 
-void tst_compareWindow::closeButton()
-{
-    const fixture f;
-    QVERIFY(f.window->isVisible());
-    f.find<QPushButton>("closeButton")->click();
-    QVERIFY(!f.window->isVisible());
-}
-
 void tst_compareWindow::debugLine()
 {
-    fixture f;
+    compareFixture f;
     QTest::ignoreMessage(QtDebugMsg, "Test \"LAB7\"   Used");
     f.click("checkBoxMerged");
     f.data.machines().last().setMeasured(false);
@@ -675,7 +412,7 @@ void tst_compareWindow::debugLine()
 
 void tst_compareWindow::chartsAreReleased()
 {
-    const fixture f;
+    const compareFixture f;
     const auto *view = f.window->findChild<QChartView *>();
     const int items = view->scene()->items().size();
     for (int i = 0; i < 10; ++i) {
