@@ -123,7 +123,10 @@ void readMachines(QIODevice &device, QVector<benchResults> &machines)
     constexpr int pieceSize = 64 * 1024;
     constexpr int shortPieceSize = 4096;
     const int firstMachine = machines.size();
-    const QByteArray content = device.read(maximumXmlSize);
+    // Reading asks for the memory of all that may come, so ask for no more than there is.
+    const qint64 size =
+        device.isSequential() ? maximumXmlSize : std::min(maximumXmlSize, device.size());
+    const QByteArray content = device.read(size);
     if (readPieces(content, pieceSize, false, machines))
         return;
     // Of a piece with bytes that are not of the file's encoding, the XML reader gives nothing at
