@@ -4,6 +4,7 @@
 // Compare within one run, with --benchmark_enable_random_interleaving=true and some repetitions.
 
 #include "plainLoops.h"
+#include "engine/memoryPolicy.h"
 #include "tests/suite.h"
 
 #include <benchmark/benchmark.h>
@@ -94,6 +95,7 @@ void add(const QString &name, Function function, Argument argument)
 
 int main(int argc, char **argv)
 {
+    memoryPolicy::apply();
     const suite tests = makeSuite(nullptr);
     for (const auto &test : tests)
         add(test->getName(), benchTest, test.get());

@@ -86,7 +86,7 @@ struct codecData {
     void renewBuffers()
     {
         const std::size_t length = std::size_t{2} * source->getCount();
-        if (!packed.allocate(length) || !unpacked.allocateUntouched(length))
+        if (!packed.allocate(length) || !unpacked.allocate(length))
             std::abort();
         std::fill_n(packed.data(), length, black);
     }

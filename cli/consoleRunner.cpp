@@ -47,9 +47,16 @@ int runFull(const commandLine &command, benchBase &runner)
             QStringLiteral("Only results of %1s per test are stored or uploaded, these are "
                            "not\n")
                 .arg(benchBase::standardTestTime / 1000));
-        return exitSuccess;
+        return runner.getFailedTests() > 0 ? exitFailure : exitSuccess;
     }
     runner.storeUserData();
+    if (runner.getFailedTests() > 0) {
+        // What is uploaded is a whole run, and what an earlier one left in the record is none.
+        if (command.isUpload)
+            runner.print(QStringLiteral("Not uploaded: tests without a result: %1\n")
+                             .arg(runner.getFailedTests()));
+        return exitFailure;
+    }
     return !command.isUpload || runner.uploadResults() ? exitSuccess : exitFailure;
 }
 

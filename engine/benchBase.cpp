@@ -3,11 +3,13 @@
 
 #include "engine/benchAndMeasure.h"
 #include "engine/machineProbe.h"
+#include "engine/memoryPolicy.h"
 
 #include <QElapsedTimer>
 #include <QSysInfo>
 
 #include <algorithm>
+#include <new>
 
 namespace
 {
@@ -28,6 +30,29 @@ QString nameOf(const QSize &resolution)
                                        QString::number(resolution.height()));
 }
 
+/// A test's own buffers fail without an exception, the toolkit's do not.
+bool isSetUp(testBase *test, const QSize &resolution)
+{
+    try {
+        if (test->setup(resolution.width(), resolution.height()))
+            return true;
+    } catch (const std::bad_alloc &) {
+        test->release();
+    }
+    return false;
+}
+
+/// Times one round. False if it could not do its work.
+bool isRoundWorked(testBase *test, benchAndMeasure &measurement)
+{
+    try {
+        measurement.measure(test);
+        return !test->hasFailed();
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
 } // namespace
 
 benchBase::benchBase(printHook *target, ::stopHook *stop, ::updateHook *update)
@@ -42,6 +67,7 @@ benchBase::benchBase(printHook *target, ::stopHook *stop, ::updateHook *update, 
       updateHook(update),
       tests(std::move(ownTests))
 {
+    memoryPolicy::apply();
     printMachine();
 }
 
@@ -60,6 +86,14 @@ void benchBase::printMachine()
     if (!frequencies.isEmpty()) {
         print(QStringLiteral("CPU Frequency seems to be %1 GHz\n")
                   .arg(static_cast<double>(frequencies.last() * 1e-9F)));
+    }
+}
+
+void benchBase::warnOfHugePages()
+{
+    if (!memoryPolicy::hasOrdinaryPages()) {
+        print(QStringLiteral("Warning: memory comes in huge pages here; results cannot be compared "
+                             "with those of other machines\n"));
     }
 }
 
@@ -91,10 +125,13 @@ bool benchBase::runBenchmark()
     print(QStringLiteral("Start Benchmark (%1s per Test (%2) use virtual resolution %3x%4):\n")
               .arg(QString::number(testTime / 1000), QString::number(tests.size()),
                    QString::number(resolution.width()), QString::number(resolution.height())));
+    warnOfHugePages();
+    failedTests = 0;
     for (const auto &test : tests) {
         if (!test || test->isSingleOnly())
             continue;
-        runTest(test.get(), resolution, false);
+        if (!runTest(test.get(), resolution, false))
+            ++failedTests;
         if (isStopRequested()) {
             print(QStringLiteral("stopped by user ...\n"));
             return true;
@@ -121,8 +158,9 @@ bool benchBase::runTest(testBase *test, const QSize &resolution, bool isSingle)
         print(QStringLiteral("Start single test (%1s testtime use virtual resolution %2x%3):\n")
                   .arg(QString::number(testTime / 1000), QString::number(resolution.width()),
                        QString::number(resolution.height())));
+        warnOfHugePages();
     }
-    if (!test->setup(resolution.width(), resolution.height())) {
+    if (!isSetUp(test, resolution)) {
         print(QStringLiteral("Error: cant setup test %1").arg(test->getName()));
         return false;
     }
@@ -131,21 +169,29 @@ bool benchBase::runTest(testBase *test, const QSize &resolution, bool isSingle)
     benchAndMeasure measurement;
     measurement.reset();
     print(QStringLiteral("Test %1").arg(test->getName(), nameFieldWidth));
-    timeTest(test, measurement);
+    const bool isWorked = timeTest(test, measurement);
     if (updateHook)
         updateHook->updateEnd(test);
 
-    const float average = measurement.getAverage();
-    if (resolution == resolutions.first())
-        record(test, average);
+    if (isWorked) {
+        if (resolution == resolutions.first())
+            record(test, measurement.getAverage());
+        printResult(test, measurement.getAverage());
+    } else {
+        print(QStringLiteral(" Error: no memory for a round of this test, so it has no result\n"));
+    }
+    test->release();
+    return isWorked;
+}
+
+void benchBase::printResult(const testBase *test, float average)
+{
     print(QStringLiteral(" Result: %1 (avg %2ms)\n")
               .arg(test->getResultText(average),
                    QString::number(static_cast<double>(average * 1000.0F))));
-    test->release();
-    return true;
 }
 
-void benchBase::timeTest(testBase *test, benchAndMeasure &measurement)
+bool benchBase::timeTest(testBase *test, benchAndMeasure &measurement)
 {
     QElapsedTimer timer;
     timer.start();
@@ -153,14 +199,15 @@ void benchBase::timeTest(testBase *test, benchAndMeasure &measurement)
     for (;;) {
         const int elapsed = static_cast<int>(timer.elapsed());
         if (elapsed >= testTime)
-            return;
-        measurement.measure(test);
+            return true;
+        if (!isRoundWorked(test, measurement))
+            return false;
         if (updateHook)
             updateHook->updateProgress(test, elapsed - last);
         last = elapsed;
         if (isStopRequested()) {
             print(QStringLiteral("\nstopped by user ...\n"));
-            return;
+            return true;
         }
     }
 }

@@ -34,22 +34,29 @@ public:
     /// Runs all tests but the single-only ones at the standard resolution. True if the user stopped
     /// the run.
     bool runBenchmark();
+    /// How many tests of the latest full run gave no result.
+    int getFailedTests() const { return failedTests; }
     /// Runs one test. An unknown resolution means the standard one. False, with no further effect,
     /// if no test has this name.
     bool runSingleTest(const QString &testName, const QString &resolutionName);
     /// Sets up, times and releases one test, and prints and records its result. Only results at the
-    /// standard resolution are recorded. False if the test could not be set up.
+    /// standard resolution are recorded. False, without a result, if the test could not be set up
+    /// or a round of it could not do its work.
     bool runTest(testBase *test, const QSize &resolution, bool isSingle);
 
 private:
     void printMachine();
-    void timeTest(testBase *test, benchAndMeasure &measurement);
+    void warnOfHugePages();
+    /// False if a round could not do its work.
+    bool timeTest(testBase *test, benchAndMeasure &measurement);
+    void printResult(const testBase *test, float average);
     bool isStopRequested();
     void record(const testBase *test, float average);
 
     ::stopHook *stopHook;
     ::updateHook *updateHook;
     int testTime = standardTestTime;
+    int failedTests = 0;
     /// The first one is the standard resolution. Its width is 3820, not 3840, on purpose: stored
     /// results refer to it.
     QVector<QSize> resolutions = {{3820, 2160}, {1920, 1080}, {1600, 900}, {1280, 960},

@@ -35,6 +35,7 @@ void testBase::print(const QString &text)
 bool testBase::setup(int newWidth, int newHeight)
 {
     release();
+    failed = false;
     if (!isValidSize(newWidth, newHeight) || !buffer.allocate(pixelCount(newWidth, newHeight)))
         return false;
     width = newWidth;

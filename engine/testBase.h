@@ -12,7 +12,9 @@ constexpr quint32 opaqueBlack = 0xFF000000U;
 ///
 /// Every test accepts this order of calls: setup (on false the test is not run), getName, then any
 /// number of times preRun, run, postRun, of which only run is timed, then getWork, getResultText
-/// and release. The amount of work of one run depends on nothing but the size given to setup.
+/// and release. The amount of work of one run depends on nothing but the size given to setup. A
+/// round that cannot do its work, for want of memory, says so through fail: what was timed then is
+/// no result.
 ///
 /// The frame is width x height pixels 0xAARRGGBB, row by row without gaps, opaque, owned by the
 /// test between setup and release.
@@ -47,6 +49,9 @@ public:
     virtual QString getResultText(float average) const;
     virtual bool isMulticore() const = 0;
 
+    /// Whether a round since the latest setup could not do its work.
+    bool hasFailed() const { return failed; }
+
     int getWidth() const { return width; }
     int getHeight() const { return height; }
     /// The frame, or null when no set-up is active.
@@ -56,6 +61,8 @@ public:
     void setSingleOnly(bool single) { singleOnly = single; }
 
 protected:
+    /// Notes that the present round could not do its work.
+    void fail() { failed = true; }
     /// The frame's size in millions of pixels.
     float megapixels() const;
     /// Makes every pixel of the frame opaque black.
@@ -72,4 +79,7 @@ protected:
     qint32 width = 0;
     qint32 height = 0;
     workBuffer<quint32> buffer;
+
+private:
+    bool failed = false;
 };

@@ -1,12 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/workMemory.h"
 
-#include <cstdint>
-#include <cstdlib>
+// The address sanitizer watches over the ends of its own blocks only.
+#ifdef __SANITIZE_ADDRESS__
+#define FENNICK_OWN_PAGES 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define FENNICK_OWN_PAGES 0
+#endif
+#endif
+#if defined(__linux__) && !defined(FENNICK_OWN_PAGES)
+#define FENNICK_OWN_PAGES 1
+#endif
 
-#ifdef __linux__
+#if FENNICK_OWN_PAGES
 #include <sys/mman.h>
-#include <unistd.h>
+#else
+#include <cstdlib>
 #endif
 
 namespace
@@ -14,20 +24,33 @@ namespace
 
 workMemory::observer *installedObserver = nullptr;
 
-/// The C library hands out pages of earlier blocks again, depending on what else the process has
-/// allocated and freed. Dropped pages fault again, so that the cost of a first touch does not
-/// depend on that history. Where it cannot be done, large blocks mostly come fresh from the system
-/// anyway.
-void dropPages([[maybe_unused]] void *block, [[maybe_unused]] std::size_t bytes)
+#if FENNICK_OWN_PAGES
+
+void *takeBlock(std::size_t bytes)
 {
-#ifdef __linux__
-    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    const std::size_t lead = (page - reinterpret_cast<std::uintptr_t>(block) % page) % page;
-    if (bytes < lead + page)
-        return;
-    madvise(static_cast<char *>(block) + lead, (bytes - lead) / page * page, MADV_DONTNEED);
-#endif
+    void *block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return block == MAP_FAILED ? nullptr : block;
 }
+
+void giveBlock(void *block, std::size_t bytes)
+{
+    munmap(block, bytes);
+}
+
+#else
+
+/// Elsewhere large blocks come fresh from the system as a rule.
+void *takeBlock(std::size_t bytes)
+{
+    return std::malloc(bytes);
+}
+
+void giveBlock(void *block, std::size_t)
+{
+    std::free(block);
+}
+
+#endif
 
 } // namespace
 
@@ -40,20 +63,14 @@ void *workMemory::allocate(std::size_t bytes)
 {
     if (installedObserver && !installedObserver->mayAllocate(bytes))
         return nullptr;
-    return std::malloc(bytes);
+    return takeBlock(bytes);
 }
 
-void *workMemory::allocateUntouched(std::size_t bytes)
+void workMemory::free(void *block, std::size_t bytes)
 {
-    void *block = allocate(bytes);
-    if (block)
-        dropPages(block, bytes);
-    return block;
-}
-
-void workMemory::free(void *block)
-{
-    if (block && installedObserver)
+    if (!block)
+        return;
+    if (installedObserver)
         installedObserver->freed();
-    std::free(block);
+    giveBlock(block, bytes);
 }

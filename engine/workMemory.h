@@ -4,7 +4,9 @@
 #include <cstddef>
 
 /// The memory behind the work buffers: blocks that are not initialised, and whose allocation fails
-/// with a null pointer.
+/// with a null pointer. On Linux each block has pages of its own, which come fresh from the system
+/// and go back to it: what a first touch costs does not depend on what the process has done before,
+/// and whoever uses a block that is gone is noticed.
 namespace workMemory
 {
 
@@ -25,10 +27,7 @@ protected:
 void setObserver(observer *target);
 
 void *allocate(std::size_t bytes);
-/// The same in pages that nobody has touched, as far as the system lets us ask for them: the first
-/// write to each of them faults.
-void *allocateUntouched(std::size_t bytes);
-/// Gives back a block of either kind; null does nothing.
-void free(void *block);
+/// Gives back a block that was allocated with @p bytes; null does nothing.
+void free(void *block, std::size_t bytes);
 
 } // namespace workMemory

@@ -29,16 +29,17 @@ void codecTest::release()
 void codecTest::preRun()
 {
     const std::size_t length = std::size_t{2} * source.getCount();
-    if (packed.allocate(length))
-        std::fill_n(packed.data(), length, opaqueBlack);
-    if (!unpacked.allocateUntouched(length))
-        packed.free();
+    if (!packed.allocate(length) || !unpacked.allocate(length)) {
+        fail();
+        return;
+    }
+    std::fill_n(packed.data(), length, opaqueBlack);
 }
 
 void codecTest::postRun()
 {
     fillBlack();
-    if (hasRoundBuffers()) {
+    if (!hasFailed()) {
         if (showPacked)
             showWords(packed.data(), 0);
         else

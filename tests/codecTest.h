@@ -13,7 +13,8 @@ public:
     bool setup(int width, int height) override;
     void release() override;
     /// Allocates the buffers of the round, twice as long as the source. The unpacked one is left
-    /// untouched, because the page faults of its first use belong to the timed run.
+    /// untouched, because the page faults of its first use belong to the timed run. Fails the round
+    /// without memory.
     void preRun() override;
     void postRun() override;
     QString getUnit() const override { return QStringLiteral("MWords"); }
@@ -23,8 +24,6 @@ protected:
     /// The source is the picture repeated @p tiles times each way.
     explicit codecTest(quint32 tiles);
 
-    /// False when the memory of this round was not to be had; there is no work to do then.
-    bool hasRoundBuffers() const { return packed.data() && unpacked.data(); }
     /// The size of the source in millions of words.
     float megawords() const;
 

@@ -5,7 +5,7 @@ rle::rle() : codecTest(6) {}
 
 void rle::run()
 {
-    if (!hasRoundBuffers())
+    if (hasFailed())
         return;
     const std::size_t packedLength = encode(packed.data(), source.data(), source.getCount(), 0);
     decode(unpacked.data(), packed.data(), packedLength, 0);

@@ -34,13 +34,16 @@ void shellsort::release()
 
 void shellsort::preRun()
 {
-    if (work.allocate(source.getCount()))
-        std::copy_n(source.data(), source.getCount(), work.data());
+    if (!work.allocate(source.getCount())) {
+        fail();
+        return;
+    }
+    std::copy_n(source.data(), source.getCount(), work.data());
 }
 
 void shellsort::run()
 {
-    if (work.data())
+    if (!hasFailed())
         sort(work.data(), source.getCount());
 }
 
@@ -48,7 +51,7 @@ void shellsort::postRun()
 {
     fillBlack();
     const auto pixels = static_cast<quint32>(width) * static_cast<quint32>(height);
-    if (work.data())
+    if (!hasFailed())
         std::copy_n(work.data(), std::min(source.getCount(), pixels), getBuffer());
     work.free();
 }

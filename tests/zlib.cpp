@@ -10,26 +10,28 @@ zlib::zlib() : codecTest(4) {}
 void zlib::preRun()
 {
     codecTest::preRun();
-    if (!hasRoundBuffers())
+    if (hasFailed())
         return;
-    const QByteArray plain(reinterpret_cast<const char *>(source.data()),
-                           static_cast<int>(source.getCount() * sizeof(quint32)));
+    const QByteArray plain(reinterpret_cast<const char *>(source.data()), plainSize());
     const QByteArray compressed = qCompress(plain, 1);
+    if (compressed.isEmpty())
+        fail();
     std::copy(compressed.begin(), compressed.end(), reinterpret_cast<char *>(packed.data()));
 }
 
 void zlib::run()
 {
-    if (!hasRoundBuffers())
+    if (hasFailed())
         return;
     // Always half as long as the source, with the filler that follows the stream: reading past its
     // end belongs to the work.
     const QByteArray input(reinterpret_cast<const char *>(packed.data()),
                            static_cast<int>(2 * source.getCount()));
-    unpack(reinterpret_cast<char *>(unpacked.data()), input);
+    if (unpack(reinterpret_cast<char *>(unpacked.data()), input) != plainSize())
+        fail();
 }
 
-void zlib::unpack(char *out, const QByteArray &packedBytes)
+int zlib::unpack(char *out, const QByteArray &packedBytes)
 {
     const QByteArray plain = qUncompress(packedBytes);
     // Volatile, because this has to stay a copy byte by byte: a compiler may otherwise make one
@@ -37,4 +39,10 @@ void zlib::unpack(char *out, const QByteArray &packedBytes)
     volatile char *bytes = out;
     for (int i = 0; i < plain.size(); ++i)
         bytes[i] = plain.at(i);
+    return plain.size();
+}
+
+int zlib::plainSize() const
+{
+    return static_cast<int>(source.getCount() * sizeof(quint32));
 }

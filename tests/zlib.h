@@ -17,6 +17,11 @@ public:
     float getWork() const override { return megawords(); }
 
     /// Decompresses @p packedBytes, a big-endian length of four bytes and a zlib stream (RFC 1950),
-    /// and copies the result to @p out. Nothing is copied if it cannot be decompressed.
-    static void unpack(char *out, const QByteArray &packedBytes);
+    /// and copies the result to @p out. Returns the number of bytes copied, 0 if it cannot be
+    /// decompressed.
+    static int unpack(char *out, const QByteArray &packedBytes);
+
+private:
+    /// The size of the source in bytes.
+    int plainSize() const;
 };

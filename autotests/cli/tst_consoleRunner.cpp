@@ -72,7 +72,12 @@ public:
     int runStandard(bool isUpload)
     {
         for (fakeTest *fake : qAsConst(fakes))
-            fake->canSetup = false;
+            fake->setSingleOnly(true);
+        return runFull(isUpload);
+    }
+
+    int runFull(bool isUpload)
+    {
         commandLine command;
         command.isUpload = isUpload;
         return runTests(command, *runner, *this);
@@ -136,6 +141,9 @@ private slots:
     void stoppedIsNotStored();
     void namedTests();
     void failedTest();
+    void failedTestOfAFullRun_data();
+    void failedTestOfAFullRun();
+    void programWithoutMemory();
     void stopped();
     void stoppedBetweenTests();
     void programListsAndExits_data();
@@ -169,7 +177,7 @@ void tst_consoleRunner::fullRunIsStored()
     console c;
     QCOMPARE(c.runStandard(false), int(exitSuccess));
     QVERIFY(c.text.endsWith(QStringLiteral("Benchmark finished\nStore userdata\n")));
-    QVERIFY(directory->read(userFile).contains("<test name=\"b\""));
+    QVERIFY(directory->read(userFile).contains("<bench machineName="));
     QCOMPARE(c.uploads, 0);
 }
 
@@ -195,7 +203,8 @@ void tst_consoleRunner::stoppedIsNotStored()
 {
     console c;
     c.isStopped = true;
-    QCOMPARE(c.runStandard(true), int(exitInterrupted));
+    c.fakes.first()->canSetup = false;
+    QCOMPARE(c.runFull(true), int(exitInterrupted));
     QVERIFY(directory->read(userFile).isNull());
     QCOMPARE(c.uploads, 0);
 }
@@ -216,6 +225,70 @@ void tst_consoleRunner::failedTest()
     QCOMPARE(c.run({a, b}), int(exitFailure));
     QVERIFY(c.text.contains(QStringLiteral("Error: cant setup test a\nStart single test (")));
     QVERIFY(c.events.contains(QStringLiteral("b.run")));
+}
+
+void tst_consoleRunner::failedTestOfAFullRun_data()
+{
+    QTest::addColumn<bool>("canSetup");
+    QTest::addColumn<bool>("isUpload");
+    QTest::newRow("no set-up") << false << false;
+    QTest::newRow("no set-up, upload wanted") << false << true;
+    QTest::newRow("no memory for a round") << true << false;
+}
+
+/// What the other tests gave is stored; a run that lacks a result is not uploaded.
+void tst_consoleRunner::failedTestOfAFullRun()
+{
+    QFETCH(bool, canSetup);
+    QFETCH(bool, isUpload);
+    console c;
+    for (fakeTest *fake : qAsConst(c.fakes)) {
+        fake->canSetup = canSetup;
+        fake->canWork = false;
+    }
+    QCOMPARE(c.runFull(isUpload), int(exitFailure));
+    QVERIFY(c.text.contains(QStringLiteral("Benchmark finished\nStore userdata\n")));
+    QCOMPARE(c.text.contains(QStringLiteral("Not uploaded: tests without a result: 2\n")),
+             isUpload);
+    QVERIFY(directory->read(userFile).contains("<test name=\"b\" result=\"0\""));
+    QCOMPARE(c.uploads, 0);
+
+    c.fakes.first()->setSingleOnly(true);
+    QCOMPARE(c.run({}), int(exitFailure));
+    for (fakeTest *fake : qAsConst(c.fakes))
+        fake->setSingleOnly(true);
+    QCOMPARE(c.run({}), int(exitSuccess));
+}
+
+/// The real program with an address space that holds the frame of this test, but not its rounds.
+void tst_consoleRunner::programWithoutMemory()
+{
+#if defined(Q_OS_LINUX) && !defined(FENNICK_TEST_SANITIZED)
+    const QString test = QStringLiteral("zlib uncompress");
+    const auto run = [&test](int kilobytes) {
+        QProcess shell;
+        shell.start(QStringLiteral("sh"),
+                    {QStringLiteral("-c"),
+                     QStringLiteral("ulimit -v %1 && exec \"$@\"").arg(kilobytes),
+                     QStringLiteral("sh"), QStringLiteral(FENNICK_CLI), QStringLiteral("--test"),
+                     test, QStringLiteral("--time"), QStringLiteral("1"), nobody});
+        shell.waitForFinished(120'000);
+        const int code = shell.exitStatus() == QProcess::NormalExit ? shell.exitCode() : -1;
+        return qMakePair(code, QString::fromLocal8Bit(shell.readAllStandardOutput()));
+    };
+    // What the program takes by itself differs from system to system, so the limit is searched for.
+    bool hasFailed = false;
+    for (int megabytes = 700; megabytes >= 300 && !hasFailed; megabytes -= 25) {
+        const auto [code, out] = run(megabytes * 1024);
+        const bool isWorked = out.contains(QLatin1String(" Result: "));
+        QCOMPARE(code, isWorked ? int(exitSuccess) : int(exitFailure));
+        QCOMPARE(out.contains(QLatin1String("Error: ")), !isWorked);
+        hasFailed = out.contains(QLatin1String("Error: no memory for a round of this test"));
+    }
+    QVERIFY(hasFailed);
+#else
+    QSKIP("needs a limit of the address space");
+#endif
 }
 
 void tst_consoleRunner::stopped()

@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <limits>
+#include <new>
 
 namespace
 {
@@ -112,6 +113,9 @@ private slots:
     void fullRun();
     void singleOnlyIsSkippedButCounted();
     void failedSetup();
+    void failedRound_data();
+    void failedRound();
+    void noMemoryInTheToolkit();
     void stopInTheFifthTest();
     void stopBetweenTests();
     void hooksMayBeMissing();
@@ -202,6 +206,67 @@ void tst_benchBase::failedSetup()
                 .endsWith(testLine(a) + figures + QStringLiteral("Error: cant setup test b")
                           + testLine(c) + figures + QStringLiteral("Benchmark finished\n")));
     QVERIFY(!fixture.runner->runSingleTest(b, QString()));
+}
+
+void tst_benchBase::failedRound_data()
+{
+    QTest::addColumn<int>("goodRounds");
+    QTest::newRow("the first one") << 0;
+    QTest::newRow("the third one") << 2;
+}
+
+/// The test ends there and leaves what was stored before; the next test runs as always.
+void tst_benchBase::failedRound()
+{
+    QFETCH(int, goodRounds);
+    bench hooks({a, b, c});
+    hooks.runner->runSingleTest(b, {});
+    const float before = hooks.stored(b);
+    QVERIFY(before > 0.0F);
+    hooks.text.clear();
+    hooks.events.clear();
+    int rounds = 0;
+    hooks.fakes[1]->work = 4;
+    hooks.fakes[1]->onRun = [&] { hooks.fakes[1]->canWork = rounds++ < goodRounds; };
+    QVERIFY(!hooks.runner->runBenchmark());
+    QCOMPARE(rounds, goodRounds + 1);
+    QCOMPARE(hooks.runner->getFailedTests(), 1);
+    QCOMPARE(hooks.stored(b), before);
+    QVERIFY(hooks.stored(c) > 0.0F);
+    QVERIFY(withoutFigures(hooks.text)
+                .endsWith(testLine(a) + figures + QStringLiteral("Test ") + b.rightJustified(36)
+                          + QStringLiteral(" Error: no memory for a round of this test, so it has "
+                                           "no result\n")
+                          + testLine(c) + figures + QStringLiteral("Benchmark finished\n")));
+    // It is ended and released like any other.
+    QCOMPARE(hooks.events.count(QStringLiteral("b.updateProgress")), goodRounds);
+    QCOMPARE(hooks.events.count(QStringLiteral("b.updateEnd")), 1);
+    QCOMPARE(hooks.events.filter(QStringLiteral("b.")).last(), QStringLiteral("b.release"));
+
+    hooks.text.clear();
+    QVERIFY(!hooks.runner->runSingleTest(b, {}));
+    QVERIFY(hooks.text.contains(QStringLiteral("Error: no memory")));
+    QVERIFY(!hooks.text.contains(QStringLiteral("Result")));
+    // A new set-up is a new start.
+    hooks.fakes[1]->canWork = true;
+    hooks.fakes[1]->onRun = [] { QTest::qSleep(70); };
+    QVERIFY(hooks.runner->runSingleTest(b, {}));
+    QVERIFY(!hooks.runner->runBenchmark());
+    QCOMPARE(hooks.runner->getFailedTests(), 0);
+}
+
+/// Where a test's own buffers report a failure, the toolkit's containers throw.
+void tst_benchBase::noMemoryInTheToolkit()
+{
+    bench hooks({a});
+    hooks.fakes[0]->onRun = [] { throw std::bad_alloc(); };
+    QVERIFY(!hooks.runner->runSingleTest(a, {}));
+    QVERIFY(hooks.text.endsWith(QStringLiteral("so it has no result\n")));
+    QVERIFY(!hooks.fakes[0]->getBuffer());
+    hooks.fakes[0]->onSetup = [] { throw std::bad_alloc(); };
+    QVERIFY(!hooks.runner->runSingleTest(a, {}));
+    QVERIFY(hooks.text.endsWith(QStringLiteral("Error: cant setup test a")));
+    QVERIFY(!hooks.fakes[0]->getBuffer());
 }
 
 void tst_benchBase::stopInTheFifthTest()

@@ -17,7 +17,10 @@ public:
     bool setup(int newWidth, int newHeight) override
     {
         note("setup");
-        return canSetup && testBase::setup(newWidth, newHeight);
+        const bool isSetUp = canSetup && testBase::setup(newWidth, newHeight);
+        if (onSetup)
+            onSetup();
+        return isSetUp;
     }
     void release() override
     {
@@ -31,6 +34,8 @@ public:
         note("run");
         if (onRun)
             onRun();
+        if (!canWork)
+            fail();
     }
     void postRun() override { note("postRun"); }
     float getWork() const override { return work; }
@@ -38,8 +43,10 @@ public:
     bool isMulticore() const override { return multicore; }
 
     bool canSetup = true;
+    bool canWork = true;
     bool multicore = false;
     float work = 3;
+    std::function<void()> onSetup;
     std::function<void()> onRun;
 
 private:
