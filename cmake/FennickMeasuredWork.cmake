@@ -8,6 +8,8 @@
 #   no vectorisation               of loops or of straight-line code; a kernel is scalar as written
 #   no contraction                 a multiplication and an addition stay two roundings
 #   no fast-math                   no reassociation, no reciprocals instead of divisions
+#   no errno after a root          a check stands before each root on some systems and not on others
+#   no assertions                  of the toolkit or the standard library, in debug builds either
 #   no link-time optimisation      a workload is not specialised for its caller
 #   no recognition of CRC loops    the bit-serial checksum stays bit-serial
 #   aligned functions and loops    the same instructions run up to a tenth faster or slower by where
@@ -21,7 +23,7 @@ if(MSVC)
     list(APPEND FENNICK_MEASURED_WORK_OPTIONS /O2 /fp:precise /GL- -d2Qvec-)
 else()
     list(APPEND FENNICK_MEASURED_WORK_OPTIONS -O2 -fno-fast-math -ffp-contract=off -fno-lto
-        -falign-functions=64 -falign-loops=64)
+        -fno-math-errno -U_GLIBCXX_ASSERTIONS -falign-functions=64 -falign-loops=64)
     if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         list(APPEND FENNICK_MEASURED_WORK_OPTIONS -fno-vectorize -fno-slp-vectorize)
         check_cxx_compiler_flag("-mllvm -disable-loop-idiom-hashrecognize"
@@ -46,6 +48,7 @@ endif()
 
 function(fennick_measured_work target)
     target_compile_options(${target} PRIVATE ${FENNICK_MEASURED_WORK_OPTIONS})
+    target_compile_definitions(${target} PRIVATE QT_NO_DEBUG)
     set_target_properties(${target} PROPERTIES
         INTERPROCEDURAL_OPTIMIZATION OFF
         INTERPROCEDURAL_OPTIMIZATION_RELEASE OFF)

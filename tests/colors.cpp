@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/colors.h"
 
+#include "tests/opaque.h"
 #include "tests/pixel.h"
 #include "tests/trigonometry.h"
 
@@ -57,15 +58,15 @@ quint32 clipped(float channel, float intensity)
     return static_cast<quint32>(static_cast<qint32>(std::min(channel, intensity)));
 }
 
-/// The row is volatile so that every pixel works out its whole distances: the vertical parts are
-/// the same for a row, and compilers take more or less of them out of the loop.
+/// Every pixel works out its whole distances: the vertical parts are the same for a row, and
+/// compilers would take more or less of them out of the loop.
 void renderRow(quint32 *pixels, int y, int width, const lighting &shared)
 {
     const lighting light = shared;
-    const volatile auto rowY = static_cast<float>(y);
+    auto fy = static_cast<float>(y);
     for (int x = 0; x < width; ++x) {
         const auto fx = static_cast<float>(x);
-        const float fy = rowY;
+        makeOpaque(fy);
         const float red = lightOf(light.glows[0], fx, fy, light.scale, light.intensity);
         const float green = lightOf(light.glows[1], fx, fy, light.scale, light.intensity);
         const float blue = lightOf(light.glows[2], fx, fy, light.scale, light.intensity);

@@ -13,9 +13,10 @@ constexpr int maxIterations = 64;
 constexpr float zoomFactor = 1.0F;
 constexpr float escapeBound = 4.0F;
 
-/// The number of iterations after which c escapes, or maxIterations. The zoom is volatile so that
-/// its division stays where it belongs, in the innermost loop: the compiler would see the constant
-/// otherwise, and the work of a pixel would not be what other machines have been measured with.
+/// The number of iterations after which c escapes, or maxIterations. The zoom is volatile, not just
+/// opaque, so that it is read from memory and its division made in each iteration: the compiler
+/// would see the constant otherwise, and the work of a pixel would not be what other machines have
+/// been measured with.
 int escapeTime(float cRe, float cIm, const volatile float &zoom)
 {
     float zRe = 0;

@@ -53,18 +53,26 @@ void renderRowWide(quint32 *pixels, int width, int y, textureView texture, const
     }
 }
 
-/// Nearest texels at points that are moved by the parity of the pixel's row and column.
+/// Nearest texels at points that are moved by the parity of the pixel's row and column: two pixels
+/// to the step, and the last one of an odd row by itself.
 void renderRowDithered(quint32 *pixels, int width, int y, textureView texture, const view &frame)
 {
-    static constexpr quint32 uOffsets[2][2] = {{1024, 2048}, {3072, 0}};
-    static constexpr quint32 vOffsets[2][2] = {{0, 3072}, {2048, 1024}};
+    const bool isOddRow = (y & 1) != 0;
+    const texturePoint even = isOddRow ? texturePoint{3072, 2048} : texturePoint{1024, 0};
+    const texturePoint odd = isOddRow ? texturePoint{0, 1024} : texturePoint{2048, 3072};
     const texturePoint step = frame.alongRow;
     texturePoint at = rowStart(frame, y);
-    for (int x = 0; x < width; ++x) {
-        pixels[x] = texture.at(at.u + uOffsets[y & 1][x & 1], at.v + vOffsets[y & 1][x & 1]);
+    int x = 0;
+    for (; x + 2 <= width; x += 2) {
+        pixels[x] = texture.at(at.u + even.u, at.v + even.v);
+        at.u += step.u;
+        at.v += step.v;
+        pixels[x + 1] = texture.at(at.u + odd.u, at.v + odd.v);
         at.u += step.u;
         at.v += step.v;
     }
+    if (x < width)
+        pixels[x] = texture.at(at.u + even.u, at.v + even.v);
 }
 
 /// Linear where this thread is selected, red elsewhere.

@@ -8,6 +8,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -86,14 +88,21 @@ const QVector<kernel> kernels = {
     // parts taken out of the loop there would be half as many.
     {"colors",
      "omp",
-     {{"v?sqrtss", 4, 4}, {"v?subss", 12, 12}, {"v?mulss", 12, 12}, {doubles, 0, 0}}},
+     {{"v?sqrtss", 4, 4},
+      {"v?subss", 12, 12},
+      {"v?mulss", 12, 12},
+      {"call.*", 0, 0},
+      {doubles, 0, 0}}},
     // Eight steps per byte, and the byte itself; no carry-less multiplication.
     {"crc32",
      "omp",
      {{"shr", 8, 8}, {"xor", 9, 9}, {"and", 8, 16}, {"neg", 8, 8}, {"pclmul.*|crc32.*", 0, 0}}},
     // Both keys of a comparison: three bytes each, two additions each.
     {"shellsort", "shellsort::sort", {{"movzbl", 6, 6}, {"add", 4, 4}}},
-    {"zlib", "zlib::unpack", {{"movzb.*|movb", 1, 1}, {"mov", 1, -1}, {"call.*", 0, 0}}},
+    // One comparison to end the loop, and none for an assertion.
+    {"zlib",
+     "zlib::unpack",
+     {{"movzb.*|movb", 1, 1}, {"mov", 1, -1}, {"cmp", 1, 1}, {"call.*", 0, 0}}},
     // 16 products each for the rotation and the projection, four for the scale.
     {"vertex", "omp", {{"v?mulss", 36, 36}, {"v?addss", 28, 28}, {doubles, 0, 0}}},
     {"lines", "drawLine", {{"cmp", 4, 4}, {singles, 0, 0}, {doubles, 0, 0}}},
@@ -129,6 +138,55 @@ const QVector<kernel> kernels = {
      {{"v?mulsd", 6, 6}, {"v?addsd", 3, 3}, {singles, 0, 0}}},
 };
 
+/// What the largest innermost loop reads for each word or pixel that it writes: nothing that was
+/// put aside in memory, but what the work is about.
+struct reading {
+    const char *workload;
+    const char *function;
+    int mostLoadsPerStore;
+};
+
+const QVector<reading> readings = {
+    // The word to compare with; the moved one stays in a register.
+    {"shellsort", "shellsort::sort", 1},
+    {"rotozoom", "renderRow<nearestTexel>", 1},
+    {"rotozoom", "renderRowDithered", 1},
+    // The texel and the pixel before.
+    {"rotozoom", "renderRow<lastPixelTexel<unsigned int>", 2},
+    // Ten values that do not change and the row: one of them may not find a register.
+    {"colors", "omp", 1},
+};
+
+/// The operands of @p one with addresses as "@".
+QString withoutAddresses(const instruction &one)
+{
+    static const QRegularExpression address(QStringLiteral("\\([^)]*\\)"));
+    static const QRegularExpression noAccess(QStringLiteral("^(lea|nop|prefetch|j|call)"));
+    if (one.mnemonic.contains(noAccess))
+        return {};
+    return QString(one.operands).replace(address, QStringLiteral("@"));
+}
+
+bool isComparison(const instruction &one)
+{
+    static const QRegularExpression comparison(QStringLiteral("^(cmp[bwlq]?|test[bwlq]?)$"));
+    return one.mnemonic.contains(comparison);
+}
+
+/// A comparison reads both of its operands, anything else all but the last.
+bool isLoad(const instruction &one)
+{
+    const QString operands = withoutAddresses(one);
+    return operands.section(QLatin1Char(','), 0, -2).contains(QLatin1Char('@'))
+           || (isComparison(one) && operands.contains(QLatin1Char('@')));
+}
+
+bool isStore(const instruction &one)
+{
+    return !isComparison(one)
+           && withoutAddresses(one).section(QLatin1Char(','), -1).contains(QLatin1Char('@'));
+}
+
 bool has(const instructions &loop, const amount &wanted)
 {
     const int count = countMnemonics(loop, QString::fromLatin1(wanted.mnemonics));
@@ -146,6 +204,8 @@ private slots:
     void nothingIsPacked();
     void workIsKept_data();
     void workIsKept();
+    void nothingElseIsRead_data();
+    void nothingElseIsRead();
     void linesDrawRandomNumbersInTheRun();
     void crc32HasNoTable();
     void zlibCopiesByteByByte();
@@ -199,6 +259,31 @@ void tst_machineCode::workIsKept()
         }
     }
     QVERIFY2(found > 0, "the loop was not found");
+}
+
+void tst_machineCode::nothingElseIsRead_data()
+{
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < readings.size(); ++i)
+        QTest::addRow("%s %s", readings[i].workload, readings[i].function) << i;
+}
+
+void tst_machineCode::nothingElseIsRead()
+{
+    QFETCH(int, index);
+    const reading &wanted = readings[index];
+    instructions largest;
+    for (const instructions &loop : innermostLoopsOf(QString::fromLatin1(wanted.workload),
+                                                     QString::fromLatin1(wanted.function))) {
+        if (loop.size() > largest.size())
+            largest = loop;
+    }
+    QVERIFY2(!largest.isEmpty(), "the loop was not found");
+    const auto loads = std::count_if(largest.begin(), largest.end(), isLoad);
+    const auto stores = std::count_if(largest.begin(), largest.end(), isStore);
+    QVERIFY2(stores > 0 && loads <= wanted.mostLoadsPerStore * stores,
+             qPrintable(QStringLiteral("%1 loads, %2 stores\n").arg(loads).arg(stores)
+                        + textOf(largest)));
 }
 
 void tst_machineCode::linesDrawRandomNumbersInTheRun()
