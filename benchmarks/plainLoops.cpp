@@ -154,11 +154,11 @@ plainLoop plainLoops::rotozoom(texelRule rule, bool multicore)
             }};
 }
 
-plainLoop plainLoops::mandel(bool multicore)
+plainLoop plainLoops::mandel(keeping kept, bool multicore)
 {
     static const std::int32_t palette[256][4] = {};
     return {frameWork, {}, [=, frame = blackFrame()]() mutable {
-                standaloneMandel(frame.data(), width, height, palette, multicore);
+                standaloneMandel(frame.data(), width, height, palette, kept, multicore);
             }};
 }
 
@@ -181,7 +181,7 @@ plainLoop plainLoops::motionBlur()
         }};
 }
 
-plainLoop plainLoops::shellSort()
+plainLoop plainLoops::shellSort(keeping kept)
 {
     const auto source = loadPicture(QStringLiteral(":/data/pic4_512_512.png"), 1);
     if (!source)
@@ -189,7 +189,7 @@ plainLoop plainLoops::shellSort()
     const auto words = std::make_shared<pixels>(source->getCount());
     return {source->getCount() * 1e-6,
             [=] { std::copy_n(source->data(), source->getCount(), words->data()); },
-            [=] { standaloneShellSort(words->data(), source->getCount()); }};
+            [=] { standaloneShellSort(words->data(), source->getCount(), kept); }};
 }
 
 plainLoop plainLoops::rle()
@@ -204,7 +204,7 @@ plainLoop plainLoops::rle()
             }};
 }
 
-plainLoop plainLoops::zlib()
+plainLoop plainLoops::zlib(keeping kept)
 {
     const auto data = loadCodecData(4);
     if (!data)
@@ -218,14 +218,14 @@ plainLoop plainLoops::zlib()
     };
     return {data->source->getCount() * 1e-6, compress, [=] {
                 standaloneZlib(data->unpacked.data(), data->packed.data(),
-                               static_cast<int>(2 * data->source->getCount()));
+                               static_cast<int>(2 * data->source->getCount()), kept);
             }};
 }
 
-plainLoop plainLoops::colors(bool multicore)
+plainLoop plainLoops::colors(keeping kept, bool multicore)
 {
     return {frameWork, {}, [=, frame = blackFrame(), time = 0.0F]() mutable {
-                standaloneColors(frame.data(), width, height, time, multicore);
+                standaloneColors(frame.data(), width, height, time, kept, multicore);
             }};
 }
 

@@ -22,13 +22,13 @@ constexpr int width = 3820;
 constexpr int height = 2160;
 
 plainLoop rotozoom(texelRule rule, bool multicore);
-plainLoop mandel(bool multicore);
+plainLoop mandel(keeping kept, bool multicore);
 plainLoop lines();
 plainLoop motionBlur();
-plainLoop shellSort();
+plainLoop shellSort(keeping kept);
 plainLoop rle();
-plainLoop zlib();
-plainLoop colors(bool multicore);
+plainLoop zlib(keeping kept);
+plainLoop colors(keeping kept, bool multicore);
 plainLoop crc32(bool multicore);
 plainLoop vertex(bool multicore);
 

@@ -6,6 +6,8 @@
 
 #include <atomic>
 
+int unknownZero = 0;
+
 namespace
 {
 
@@ -21,22 +23,43 @@ inline std::uint32_t oneBit(std::uint32_t crc)
     return (crc >> 1) ^ (0xEDB88320U & (0U - (crc & 1U)));
 }
 
-} // namespace
-
-void standaloneShellSort(std::uint32_t *words, std::uint32_t count)
+template <bool isKept> void shellSort(std::uint32_t *words, std::uint32_t count)
 {
+    const auto zero = static_cast<std::uint32_t>(unknownZero);
     for (std::uint32_t gap = count / 2; gap > 0; gap /= 2) {
         for (std::uint32_t i = gap; i < count; ++i) {
-            // Volatile: its key belongs to the work of each comparison.
-            const volatile std::uint32_t moved = words[i];
+            std::uint32_t moved = words[i];
             std::uint32_t j = i;
             while (j >= gap && colourSum(moved) < colourSum(words[j - gap])) {
                 words[j] = words[j - gap];
                 j -= gap;
+                if constexpr (isKept)
+                    moved += zero;
             }
             words[j] = moved;
         }
     }
+}
+
+template <bool isKept> void copyBytes(char *out, const QByteArray &plain)
+{
+    const int zero = unknownZero;
+    for (int i = 0; i < plain.size(); ++i) {
+        if constexpr (isKept)
+            out[i] = static_cast<char>(plain.at(i) + zero);
+        else
+            out[i] = plain.at(i);
+    }
+}
+
+} // namespace
+
+void standaloneShellSort(std::uint32_t *words, std::uint32_t count, keeping kept)
+{
+    if (kept == keeping::nothing)
+        shellSort<false>(words, count);
+    else
+        shellSort<true>(words, count);
 }
 
 void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::uint32_t *source,
@@ -80,14 +103,14 @@ void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::ui
     }
 }
 
-void standaloneZlib(void *unpacked, const void *packed, int packedBytes)
+void standaloneZlib(void *unpacked, const void *packed, int packedBytes, keeping kept)
 {
     const QByteArray input(static_cast<const char *>(packed), packedBytes);
     const QByteArray plain = qUncompress(input);
-    // Volatile: it is to stay a copy byte by byte.
-    volatile char *out = static_cast<char *>(unpacked);
-    for (int i = 0; i < plain.size(); ++i)
-        out[i] = plain.at(i);
+    if (kept == keeping::nothing)
+        copyBytes<false>(static_cast<char *>(unpacked), plain);
+    else
+        copyBytes<true>(static_cast<char *>(unpacked), plain);
 }
 
 void standaloneCrc32(std::uint32_t *frame, int width, int height, bool multicore)

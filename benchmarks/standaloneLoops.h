@@ -11,6 +11,15 @@
 // A frame is width x height pixels 0xAARRGGBB, row by row. With multicore, the rows (or chunks, or
 // copies) are spread over all OpenMP threads.
 
+/// A compiler takes work out of a loop that gives the same result every time. The workloads keep it
+/// there by their own means; here it is kept by adding a number that is 0, which the compiler
+/// cannot know, to a value in each step. Without that, a loop shows what the compiler would leave
+/// of it.
+enum class keeping { nothing, byUnknownZero };
+
+/// The number: always 0.
+extern int unknownZero;
+
 /// How a pixel of the rotozoom test is made of texels.
 enum class texelRule { nearest, dithered, linear, lastPixel };
 
@@ -28,8 +37,9 @@ void standaloneRotozoom(std::uint32_t *frame, int width, int height, const std::
                         bool multicore);
 
 /// Renders one frame of the Mandelbrot test; @p palette has 256 entries of alpha, red, green, blue.
+/// The division of each iteration may be kept.
 void standaloneMandel(std::uint32_t *frame, int width, int height, const std::int32_t (*palette)[4],
-                      bool multicore);
+                      keeping kept, bool multicore);
 
 /// Draws the square root of @p lineCount fans of as many lines, at random.
 void standaloneLines(std::uint32_t *frame, int width, int height, int lineCount);
@@ -43,18 +53,22 @@ struct blurPhase {
 /// Turns the phase and smears the frame in place, in integers.
 void standaloneMotionBlur(std::uint32_t *frame, int width, int height, blurPhase &phase);
 
-/// Moves @p time on by one frame and renders the light of the four glows.
-void standaloneColors(std::uint32_t *frame, int width, int height, float &time, bool multicore);
+/// Moves @p time on by one frame and renders the light of the four glows. The vertical part of each
+/// pixel's distances may be kept.
+void standaloneColors(std::uint32_t *frame, int width, int height, float &time, keeping kept,
+                      bool multicore);
 
-/// Sorts pixels by the sum of red, green and blue, with halving gaps.
-void standaloneShellSort(std::uint32_t *words, std::uint32_t count);
+/// Sorts pixels by the sum of red, green and blue, with halving gaps. The moved word's sum in each
+/// comparison may be kept.
+void standaloneShellSort(std::uint32_t *words, std::uint32_t count, keeping kept);
 
 /// Encodes @p count words and decodes them again, around @p marker.
 void standaloneRle(std::uint32_t *unpacked, std::uint32_t *packed, const std::uint32_t *source,
                    std::size_t count, std::uint32_t marker);
 
-/// Decompresses @p packedBytes bytes, a stream and its filler, and copies the result byte by byte.
-void standaloneZlib(void *unpacked, const void *packed, int packedBytes);
+/// Decompresses @p packedBytes bytes, a stream and its filler, and copies the result byte by byte,
+/// or as the compiler likes.
+void standaloneZlib(void *unpacked, const void *packed, int packedBytes, keeping kept);
 
 /// The checksums of as many chunks as there are threads, each written over a word of the frame.
 void standaloneCrc32(std::uint32_t *frame, int width, int height, bool multicore);

@@ -16,16 +16,16 @@ struct glows {
     float intensity;
 };
 
-/// A function, because g++ 12 drops the volatile of a variable inside an OpenMP region.
-void renderColorsRow(std::uint32_t *row, int width, int y, const glows &shared)
+template <bool isKept>
+void renderColorsRow(std::uint32_t *row, int width, int y, const glows &shared, float zero)
 {
     const glows light = shared;
     const float full = light.intensity;
-    // Volatile: the vertical differences belong to the work of each pixel.
-    const volatile float rowY = float(y);
+    float fy = float(y);
     for (int x = 0; x < width; ++x) {
         const float fx = float(x);
-        const float fy = rowY;
+        if constexpr (isKept)
+            fy += zero;
         const float dx0 = light.x[0] - fx;
         const float dy0 = light.y[0] - fy;
         const float d0 = std::sqrt(dy0 * dy0 + dx0 * dx0) * light.scale;
@@ -119,7 +119,8 @@ void standaloneMotionBlur(std::uint32_t *frame, int width, int height, blurPhase
     }
 }
 
-void standaloneColors(std::uint32_t *frame, int width, int height, float &time, bool multicore)
+void standaloneColors(std::uint32_t *frame, int width, int height, float &time, keeping kept,
+                      bool multicore)
 {
     time += 0.04F;
     glows light = {};
@@ -130,7 +131,10 @@ void standaloneColors(std::uint32_t *frame, int width, int height, float &time, 
     }
     light.scale = 3820.0F / float(width) * 0.15F;
     light.intensity = 255.0F;
+    const auto zero = static_cast<float>(unknownZero);
+    const auto renderRow =
+        kept == keeping::nothing ? renderColorsRow<false> : renderColorsRow<true>;
 #pragma omp parallel for schedule(static) if (multicore)
     for (int y = 0; y < height; ++y)
-        renderColorsRow(frame + static_cast<std::int64_t>(y) * width, width, y, light);
+        renderRow(frame + static_cast<std::int64_t>(y) * width, width, y, light, zero);
 }

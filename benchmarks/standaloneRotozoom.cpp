@@ -55,19 +55,25 @@ void renderNearestRow(std::uint32_t *out, int width, int y, const std::uint32_t 
 void renderDitheredRow(std::uint32_t *out, int width, int y, const std::uint32_t *texture,
                        std::uint32_t textureWidth, const gridWalk &walk)
 {
-    /// By the parity of the row, then of the column.
-    static const std::uint32_t uMoved[2][2] = {{1024, 2048}, {3072, 0}};
-    static const std::uint32_t vMoved[2][2] = {{0, 3072}, {2048, 1024}};
-    std::uint32_t u = walk.u + static_cast<std::uint32_t>(y) * walk.uPerRow;
-    std::uint32_t v = walk.v + static_cast<std::uint32_t>(y) * walk.vPerRow;
+    // By the parity of the row; the first offset is that of an even column.
+    const std::uint32_t offsets[2][4] = {{1024, 0, 2048, 3072}, {3072, 2048, 0, 1024}};
+    const std::uint32_t(&moved)[4] = offsets[y & 1];
     const std::uint32_t du = walk.uPerPixel;
     const std::uint32_t dv = walk.vPerPixel;
-    for (int x = 0; x < width; ++x) {
-        const std::uint32_t mu = u + uMoved[y & 1][x & 1];
-        const std::uint32_t mv = v + vMoved[y & 1][x & 1];
-        out[x] = texture[(mv >> 12 & 511) * textureWidth + (mu >> 12 & 511)];
-        u += du;
-        v += dv;
+    // The two kinds of columns as two walks, side by side.
+    std::uint32_t u0 = walk.u + static_cast<std::uint32_t>(y) * walk.uPerRow + moved[0];
+    std::uint32_t v0 = walk.v + static_cast<std::uint32_t>(y) * walk.vPerRow + moved[1];
+    std::uint32_t u1 = u0 - moved[0] + moved[2] + du;
+    std::uint32_t v1 = v0 - moved[1] + moved[3] + dv;
+    for (int x = 0; x < width; x += 2) {
+        out[x] = texture[(v0 >> 12 & 511) * textureWidth + (u0 >> 12 & 511)];
+        u0 += 2 * du;
+        v0 += 2 * dv;
+        if (x + 1 == width)
+            return;
+        out[x + 1] = texture[(v1 >> 12 & 511) * textureWidth + (u1 >> 12 & 511)];
+        u1 += 2 * du;
+        v1 += 2 * dv;
     }
 }
 

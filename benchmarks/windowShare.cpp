@@ -58,6 +58,8 @@ public:
         timed([this] { inner->run(); });
         inRun += inTest - before;
         ++runs;
+        if (inner->hasFailed())
+            fail();
     }
     void postRun() override
     {
