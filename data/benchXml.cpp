@@ -21,71 +21,147 @@ int truncatedToInt(float number)
     return static_cast<int>(number);
 }
 
+/// The text of an attribute, as long as a name may be.
+QString textOf(const QXmlStreamAttributes &attributes, const char *name)
+{
+    const QStringRef text = attributes.value(QLatin1String(name));
+    if (text.size() <= maximumTextLength)
+        return text.toString();
+    const bool isTorn = text.at(maximumTextLength - 1).isHighSurrogate()
+                        && text.at(maximumTextLength).isLowSurrogate();
+    return text.left(isTorn ? maximumTextLength - 1 : maximumTextLength).toString();
+}
+
+float numberOf(const QXmlStreamAttributes &attributes, const char *name)
+{
+    return attributes.value(QLatin1String(name)).toFloat();
+}
+
 benchResults machineOf(const QXmlStreamAttributes &attributes)
 {
-    const float threads = attributes.value(QLatin1String("threadCount")).toFloat();
-    return {attributes.value(QLatin1String("machineName")).toString(),
-            attributes.value(QLatin1String("os")).toString(),
-            attributes.value(QLatin1String("cpu")).toString(),
-            attributes.value(QLatin1String("clock")).toFloat(), truncatedToInt(threads)};
+    return {textOf(attributes, "machineName"), textOf(attributes, "os"), textOf(attributes, "cpu"),
+            numberOf(attributes, "clock"), truncatedToInt(numberOf(attributes, "threadCount"))};
 }
 
-void readToken(const QXmlStreamReader &xml, QVector<benchResults> &machines, int firstMachine)
+/// Appends machines to a list while the pieces of its file come in.
+class listReader
 {
-    const QXmlStreamAttributes attributes = xml.attributes();
-    if (attributes.isEmpty())
-        return;
-    if (xml.name() == QLatin1String("bench")) {
-        machines.append(machineOf(attributes));
-    } else if (xml.name() == QLatin1String("test") && machines.size() > firstMachine) {
-        const float result = attributes.value(QLatin1String("result")).toFloat();
-        machines.last().setTest(attributes.value(QLatin1String("name")).toString(),
-                                benchResults::test(result));
+public:
+    explicit listReader(QVector<benchResults> &list) : machines(list), firstMachine(list.size()) {}
+
+    /// Reads what is complete with @p piece. False when reading has ended before the file's end.
+    bool take(const QByteArray &piece)
+    {
+        bool hasToken = false;
+        xml.addData(piece);
+        while (how == listEnd::complete && !xml.atEnd()) {
+            hasToken = xml.readNext() != QXmlStreamReader::Invalid || hasToken;
+            readToken();
+        }
+        bytesWithoutToken = hasToken ? 0 : bytesWithoutToken + piece.size();
+        if (isBroken() || bytesWithoutToken >= longestToken)
+            how = listEnd::fault;
+        return how == listEnd::complete;
     }
-}
 
-/// Reads the tokens that are complete. False at a fault.
-bool readTokens(QXmlStreamReader &xml, QVector<benchResults> &machines, int firstMachine,
-                int &depth)
-{
-    // The format has three levels; the reader remembers every open one.
-    constexpr int deepest = 100;
-    while (!xml.atEnd()) {
-        switch (xml.readNext()) {
+    /// Whether the XML reader could not go on.
+    bool isBroken() const
+    {
+        // The end of the piece is an error to the XML reader, but no fault of the file.
+        return xml.hasError() && xml.error() != QXmlStreamReader::PrematureEndOfDocumentError;
+    }
+
+    /// How it has ended, after the last piece.
+    listEnd end() const
+    {
+        const bool isOpen =
+            how == listEnd::complete && xml.tokenType() != QXmlStreamReader::EndDocument;
+        return {isOpen ? listEnd::fault : how, xml.lineNumber()};
+    }
+
+private:
+    // What the XML reader has to remember, and what takes it longer than it is long.
+    static constexpr int deepest = 64;
+    static constexpr int mostAttributes = 64;
+    static constexpr int longestToken = 128 * 1024;
+
+    void readToken()
+    {
+        switch (xml.tokenType()) {
         case QXmlStreamReader::StartElement:
-            readToken(xml, machines, firstMachine);
+            readElement(xml.attributes());
             if (++depth > deepest)
-                return false;
+                how = listEnd::fault;
             break;
         case QXmlStreamReader::EndElement:
             --depth;
+            break;
+        case QXmlStreamReader::DTD:
+            // Its declarations could make much of little, again and again.
+            if (xml.text().contains(QLatin1Char('[')))
+                how = listEnd::fault;
             break;
         default:
             break;
         }
     }
-    // The end of the piece is an error to the XML reader, but no fault of the file.
-    return !xml.hasError() || xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
-}
 
-/// Reads @p content in pieces of at most @p pieceSize bytes, which end with a line if @p byLine.
-/// False at a fault.
-bool readPieces(const QByteArray &content, int pieceSize, bool byLine,
-                QVector<benchResults> &machines)
-{
-    const int firstMachine = machines.size();
-    int depth = 0;
+    void readElement(const QXmlStreamAttributes &attributes)
+    {
+        if (attributes.size() > mostAttributes)
+            how = listEnd::fault;
+        else if (attributes.isEmpty())
+            return;
+        else if (xml.name() == QLatin1String("bench"))
+            addMachine(attributes);
+        else if (xml.name() == QLatin1String("test") && machines.size() > firstMachine)
+            addResult(attributes);
+    }
+
+    void addMachine(const QXmlStreamAttributes &attributes)
+    {
+        if (machines.size() - firstMachine == maximumMachines)
+            how = listEnd::cut;
+        else
+            machines.append(machineOf(attributes));
+    }
+
+    void addResult(const QXmlStreamAttributes &attributes)
+    {
+        benchResults &machine = machines.last();
+        const QString name = textOf(attributes, "name");
+        if (machine.getTests().size() == maximumResults && !machine.findTest(name))
+            how = listEnd::cut;
+        else
+            machine.setTest(name, benchResults::test(numberOf(attributes, "result")));
+    }
+
     QXmlStreamReader xml;
-    for (int start = 0; start < content.size();) {
-        const int lineEnd = byLine ? content.indexOf('\n', start) : -1;
+    QVector<benchResults> &machines;
+    int firstMachine;
+    int depth = 0;
+    int bytesWithoutToken = 0;
+    listEnd::kind how = listEnd::complete;
+};
+
+constexpr int pieceSize = 64 * 1024;
+
+/// Hands @p content to @p reader in pieces, those from @p linesFrom on no longer than a line. The
+/// start of the piece with which reading ended, or the size of @p content.
+int readPieces(const QByteArray &content, int linesFrom, listReader &reader)
+{
+    constexpr int shortPieceSize = 4096;
+    int start = 0;
+    while (start < content.size()) {
+        const bool isByLine = start >= linesFrom;
+        const int lineEnd = isByLine ? content.indexOf('\n', start) : -1;
         const int rest = (lineEnd < 0 ? content.size() : lineEnd + 1) - start;
-        const int size = std::min(rest, pieceSize);
-        xml.addData(content.mid(start, size));
-        if (!readTokens(xml, machines, firstMachine, depth))
-            return false;
+        const int size = std::min(rest, isByLine ? shortPieceSize : pieceSize);
+        if (!reader.take(content.mid(start, size)))
+            return start;
         start += size;
     }
-    return true;
+    return start;
 }
 
 /// A clock as a whole number, from a float that may be anything.
@@ -118,21 +194,29 @@ QString xmlText(const QString &text)
 
 } // namespace
 
-void readMachines(QIODevice &device, QVector<benchResults> &machines)
+listEnd readMachines(QIODevice &device, QVector<benchResults> &machines)
 {
-    constexpr int pieceSize = 64 * 1024;
-    constexpr int shortPieceSize = 4096;
     const int firstMachine = machines.size();
-    // Reading asks for the memory of all that may come, so ask for no more than there is.
+    // Reading asks for the memory of all that may come, so ask for no more than there is; and for
+    // one byte more than is read, to know of what is left out.
     const qint64 size =
-        device.isSequential() ? maximumXmlSize : std::min(maximumXmlSize, device.size());
-    const QByteArray content = device.read(size);
-    if (readPieces(content, pieceSize, false, machines))
-        return;
+        device.isSequential() ? maximumXmlSize + 1 : std::min(maximumXmlSize + 1, device.size());
+    QByteArray content = device.read(size);
+    const bool isCut = content.size() > maximumXmlSize;
+    content.truncate(static_cast<int>(maximumXmlSize));
+
+    listReader reader(machines);
+    const int last = readPieces(content, content.size(), reader);
+    if (!reader.isBroken()) {
+        const listEnd end = reader.end();
+        return isCut && last == content.size() ? listEnd{listEnd::cut, end.line} : end;
+    }
     // Of a piece with bytes that are not of the file's encoding, the XML reader gives nothing at
     // all. In a faulty file, short pieces save what stands before such bytes.
     machines.resize(firstMachine);
-    readPieces(content, shortPieceSize, true, machines);
+    listReader carefulReader(machines);
+    readPieces(content, last, carefulReader);
+    return carefulReader.end();
 }
 
 QVector<benchResults> readMachines(const QByteArray &xml)

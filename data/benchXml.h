@@ -10,8 +10,30 @@ class QIODevice;
 class QXmlStreamWriter;
 
 /// At most this many bytes of one file are read. A list of all known machines takes a hundredth of
-/// it; the limit bounds the memory that a damaged or hostile file can ask for.
+/// it; this limit and those that follow bound the memory and the time that a damaged or hostile
+/// file can ask for.
 constexpr qint64 maximumXmlSize = 16 * 1024 * 1024;
+
+/// At most this many machines, and results of one machine, are read. A file of the maximum size has
+/// room for no more machines than that with the results of a full run.
+constexpr int maximumMachines = 16 * 1024;
+constexpr int maximumResults = 1000;
+
+/// Names of machines, systems, processors and tests are cut to this many UTF-16 code units, or to
+/// one less where a character would be torn.
+constexpr int maximumTextLength = 256;
+
+/// How the reading of a list has ended.
+struct listEnd {
+    enum kind {
+        complete, ///< all of it has been read
+        cut,      ///< it is longer than what is read of one file
+        fault     ///< it is not what a list is, or its end is missing
+    };
+
+    kind how = complete;
+    qint64 line = 1; ///< where reading ended, from 1
+};
 
 /// Appends the machines of an XML result list to @p machines.
 ///
@@ -19,8 +41,10 @@ constexpr qint64 maximumXmlSize = 16 * 1024 * 1024;
 /// <bench machineName os cpu clock threadCount>, clock in Hz, and in it one empty element
 /// <test name result> per result. Missing attributes read as empty or 0; other elements, and a test
 /// before the first machine, are ignored. @p device must be open for reading. Reading stops at the
-/// first fault; what came before it is kept.
-void readMachines(QIODevice &device, QVector<benchResults> &machines);
+/// first fault; what came before it is kept. To have declarations of its own, of entities or of
+/// attributes, is a fault of a list, and so are more than 64 levels of nesting, more than 64
+/// attributes of an element, and 128 KiB without the end of a tag, a text or a comment.
+listEnd readMachines(QIODevice &device, QVector<benchResults> &machines);
 
 /// The machines in @p xml.
 QVector<benchResults> readMachines(const QByteArray &xml);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/uploadCheck.h"
 
+#include "data/benchXml.h"
 #include "server/ceilings.h"
 #include "server/uploadOf.h"
 
@@ -25,6 +26,7 @@ private slots:
     void ceilings();
     void names_data();
     void names();
+    void noNameIsCut();
     void sameContent();
     void allZero();
 };
@@ -193,6 +195,23 @@ void tst_uploadCheck::names()
     QFETCH(QString, name);
     QTEST(faultOf(machineWith(name, QStringLiteral("cpu"), 1)).isEmpty(), "isAllowed");
     QTEST(faultOf(machineWith(QStringLiteral("m"), name, 1)).isEmpty(), "isAllowed");
+}
+
+/// Lists of machines are read with names of a bounded length. What is taken here is shorter, and
+/// what is longer is refused as it came.
+void tst_uploadCheck::noNameIsCut()
+{
+    const QByteArray longest(maximumNameLength, 'x');
+    const checkedUpload taken = checkUpload(uploadXml(longest, longest, "1"));
+    QVERIFY2(taken.isAccepted(), qPrintable(taken.reason));
+    const benchResults machine = machineOf(uploadOf(taken.machine, 1));
+    QCOMPARE(machine.getName().toLatin1(), longest);
+    QCOMPARE(machine.getCpu().toLatin1(), longest);
+    for (const int length : {maximumNameLength + 1, maximumTextLength, maximumTextLength + 1}) {
+        const QByteArray tooLong(length, 'x');
+        QVERIFY(!checkUpload(uploadXml(tooLong, "c", "1")).isAccepted());
+        QVERIFY(!checkUpload(uploadXml("m", tooLong, "1")).isAccepted());
+    }
 }
 
 void tst_uploadCheck::sameContent()
