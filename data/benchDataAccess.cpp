@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchDataAccess.h"
 
-#include "data/benchXml.h"
 #include "engine/machineProbe.h"
 #include "engine/testBase.h"
 
@@ -35,6 +34,20 @@ bool writeFile(const QString &path, const QByteArray &content)
            && file.write(content) == content.size() && file.flush() && file.commit();
 }
 
+/// What is to be said of a file of which not all could be read; else nothing.
+QString problemOf(const QFile &file, const listEnd &end)
+{
+    if (end.how == listEnd::complete)
+        return {};
+    if (file.error() != QFileDevice::NoError) {
+        return QStringLiteral("'%1' cannot be read: %2").arg(file.fileName(), file.errorString());
+    }
+    return (end.how == listEnd::cut
+                ? QStringLiteral("'%1' is too long: what follows line %2 is left out")
+                : QStringLiteral("'%1' has a fault in line %2: what follows it is left out"))
+        .arg(file.fileName(), QString::number(end.line));
+}
+
 } // namespace
 
 benchDataAccess::benchDataAccess(printHook *target, QVector<testBase *> tests,
@@ -59,6 +72,7 @@ void benchDataAccess::print(const QString &text)
 void benchDataAccess::loadReferenceData(int source)
 {
     results.clear();
+    loadProblems.clear();
     // A failed download leads to the built-in list even where an older download exists.
     const bool isUpToDate = source != builtInReference && updateReference(source);
     if (!isUpToDate || !parseDownloadedReference())
@@ -102,10 +116,12 @@ bool benchDataAccess::isNewerOnline(quint32 &highestVersion)
 bool benchDataAccess::downloadReference(bool normal, quint32 version)
 {
     QByteArray xml;
-    if (!online->request(normal ? onlineDatabase::reference : onlineDatabase::betaReference, xml))
+    if (!online->request(normal ? onlineDatabase::reference : onlineDatabase::betaReference, xml)
+        || readMachines(xml).isEmpty())
         return false;
     bool ok = true;
     const QString directory = userDataDirectory(ok);
+    // The version last: it must never stand for a list that is not there.
     return ok && writeFile(directory + QStringLiteral("db.xml"), xml)
            && writeFile(directory + QStringLiteral("db_version"),
                         QByteArray::number(normal ? version : 0));
@@ -121,7 +137,7 @@ bool benchDataAccess::parseDownloadedReference()
     if (!file.exists())
         return false;
     print(QStringLiteral("Use local benchmark DB\n"));
-    parseXml(file);
+    parseFile(file);
     return true;
 }
 
@@ -132,12 +148,20 @@ void benchDataAccess::parseBuiltInReference()
     parseXml(file);
 }
 
-void benchDataAccess::parseXml(QIODevice &device)
+listEnd benchDataAccess::parseXml(QIODevice &device)
 {
     if (!device.open(QIODevice::ReadOnly | QIODevice::Text))
-        return;
-    readMachines(device, results);
+        return {listEnd::fault};
+    const listEnd end = readMachines(device, results);
     device.close();
+    return end;
+}
+
+void benchDataAccess::parseFile(QFile &file)
+{
+    const QString problem = problemOf(file, parseXml(file));
+    if (!problem.isEmpty())
+        loadProblems.append(problem);
 }
 
 void benchDataAccess::printDeviceCount()
@@ -193,7 +217,7 @@ bool benchDataAccess::parseUserData()
         return false;
     print(QStringLiteral("Found local user benchmark data\n"));
     const int referenceMachines = results.size();
-    parseXml(file);
+    parseFile(file);
     if (results.size() > referenceMachines)
         return true;
     print(QStringLiteral("They cannot be read: '%1' is left as it is until results are stored\n")
@@ -201,16 +225,20 @@ bool benchDataAccess::parseUserData()
     return false;
 }
 
-void benchDataAccess::storeUserData()
+bool benchDataAccess::storeUserData()
 {
     bool ok = true;
     const QString directory = userDataDirectory(ok);
-    if (!ok)
+    if (!ok) {
         print(QStringLiteral("Can't store userdata (directory not writable)\n"));
-    else if (!writeFile(directory + userDataName(), userDataXml()))
+        return false;
+    }
+    if (!writeFile(directory + userDataName(), userDataXml())) {
         print(QStringLiteral("Can't store userdata (not writable)\n"));
-    else
-        print(QStringLiteral("Store userdata\n"));
+        return false;
+    }
+    print(QStringLiteral("Store userdata\n"));
+    return true;
 }
 
 QByteArray benchDataAccess::userDataXml() const

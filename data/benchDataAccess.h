@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/benchXml.h"
 #include "data/onlineDatabase.h"
 #include "engine/benchResults.h"
 #include "engine/hooks.h"
 
+#include <QStringList>
 #include <QVector>
 
 #include <memory>
 
+class QFile;
 class QIODevice;
 class testBase;
 
@@ -35,17 +38,21 @@ public:
     void loadReferenceData(int source);
     /// Appends this machine, as it was stored, or as it is and with a result of 0 for every test.
     void loadUserData();
+    /// What could not be read in the latest load, of the reference data or after it: one sentence
+    /// for each file, without an end of line. The log is not told.
+    const QStringList &getLoadProblems() const { return loadProblems; }
     /// Stores the last machine without the results of single-only tests. A file that was there
-    /// before is replaced by a complete one or kept.
-    void storeUserData();
+    /// before is replaced by a complete one or kept; false in that case.
+    bool storeUserData();
     /// Removes what was stored; the list in memory stays as it is.
     void removeUserData();
     /// Sends what was stored, or nothing where there is nothing. False if the database did not take
     /// it.
     bool uploadResults();
 
-    /// Opens @p device and appends the machines of its XML. Nothing happens if it cannot be opened.
-    void parseXml(QIODevice &device);
+    /// Opens @p device and appends the machines of its XML. Nothing happens if it cannot be opened,
+    /// which is a fault.
+    listEnd parseXml(QIODevice &device);
     /// The version of the downloaded list, 0 for a BETA list, or that of the built-in one.
     quint32 localVersion();
     /// The directory of this program's files with a slash at its end, created when missing.
@@ -65,6 +72,8 @@ private:
     /// Fills the place of the built-in list by a download, if one is wanted. False if it failed.
     bool updateReference(int source);
     bool parseDownloadedReference();
+    /// Parses @p file, and keeps a sentence if not all of it could be read.
+    void parseFile(QFile &file);
     /// False if there are no stored results, or none that can be read.
     bool parseUserData();
     QByteArray userDataXml() const;
@@ -74,4 +83,5 @@ private:
     printHook *printTarget;
     QVector<testBase *> suiteTests;
     std::unique_ptr<onlineDatabase> online;
+    QStringList loadProblems;
 };

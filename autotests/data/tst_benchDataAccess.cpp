@@ -103,6 +103,12 @@ private slots:
     void strangeVersions_data();
     void strangeVersions();
     void failedDownloadUsesBuiltIn();
+    void downloadWithoutMachines_data();
+    void downloadWithoutMachines();
+    void versionIsWrittenAfterTheList();
+    void problems_data();
+    void problems();
+    void problemsOfTheLatestLoad();
     void beta();
     void failedBeta();
     void betaIsReplacedByAnyVersion();
@@ -233,6 +239,107 @@ void tst_benchDataAccess::failedDownloadUsesBuiltIn()
     QCOMPARE(a.log.text, QStringLiteral("Online database has version 2000 (local 1010)\n")
                              + useBuiltIn + foundBuiltIn());
     QCOMPARE(directory->read(dbFile), listOf("Local"));
+}
+
+void tst_benchDataAccess::downloadWithoutMachines_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::newRow("no machine") << QByteArray("<Fennick/>");
+    QTest::newRow("machine without attributes") << QByteArray("<Fennick><bench/></Fennick>");
+    QTest::newRow("fault before the first") << QByteArray("<Fennick></bench><bench os='o'/>");
+    QTest::newRow("another page") << QByteArray(
+        "<html><body class='x'>Please log in</body></html>");
+}
+
+void tst_benchDataAccess::downloadWithoutMachines()
+{
+    QFETCH(QByteArray, list);
+    QVERIFY(directory->write(dbFile, listOf("Local")));
+    QVERIFY(directory->write(versionFile, "1500"));
+    fixture a;
+    a.online->replies = {{onlineDatabase::referenceVersion, "2000"},
+                         {onlineDatabase::reference, list},
+                         {onlineDatabase::betaReference, list}};
+    a.data->loadReferenceData(benchDataAccess::normalReference);
+    QCOMPARE(a.log.text, QStringLiteral("Online database has version 2000 (local 1500)\n")
+                             + useBuiltIn + foundBuiltIn());
+    a.log.text.clear();
+    a.data->loadReferenceData(benchDataAccess::betaReference);
+    QCOMPARE(a.log.text, useBuiltIn + foundBuiltIn());
+    QCOMPARE(directory->read(dbFile), listOf("Local"));
+    QCOMPARE(directory->read(versionFile), QByteArray("1500"));
+    QVERIFY(a.data->getLoadProblems().isEmpty());
+}
+
+/// A version that stood for a list that could not be written would keep the next start from asking
+/// for it.
+void tst_benchDataAccess::versionIsWrittenAfterTheList()
+{
+    QVERIFY(QDir().mkpath(directory->path(dbFile)));
+    QVERIFY(directory->write(versionFile, "1500"));
+    fixture a;
+    a.online->replies = {{onlineDatabase::referenceVersion, "2000"},
+                         {onlineDatabase::reference, listOf("Online")}};
+    a.data->loadReferenceData(benchDataAccess::normalReference);
+    QVERIFY(a.log.text.endsWith(useBuiltIn + foundBuiltIn()));
+    QCOMPARE(directory->read(versionFile), QByteArray("1500"));
+}
+
+void tst_benchDataAccess::problems_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<int>("machines");
+    QTest::addColumn<QString>("problem");
+    QTest::newRow("none") << listOf("A") << 1 << QString();
+    QTest::newRow("fault in the middle")
+        << QByteArray("<F>\n<bench machineName='A'/>\n</bench>\n<bench machineName='B'/>\n</F>")
+        << 1 << QStringLiteral("'%1' has a fault in line 3: what follows it is left out");
+    QTest::newRow("without its end")
+        << listOf("A").chopped(3) << 1
+        << QStringLiteral("'%1' has a fault in line 1: what follows it is left out");
+    QTest::newRow("too long") << listOf("A") + QByteArray(int(maximumXmlSize), '\n') << 1
+                              << QStringLiteral("'%1' is too long: what follows line 16777163 is "
+                                                "left out");
+}
+
+/// The log keeps to its messages; the problems are for whoever asks.
+void tst_benchDataAccess::problems()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(int, machines);
+    QFETCH(QString, problem);
+    QVERIFY(directory->write(dbFile, list));
+    fixture a;
+    a.data->loadReferenceData(benchDataAccess::normalReference);
+    QCOMPARE(a.log.text, noOnline + useLocal + found(machines, machines));
+    const QStringList expected =
+        problem.isEmpty() ? QStringList() : QStringList(problem.arg(directory->path(dbFile)));
+    QCOMPARE(a.data->getLoadProblems(), expected);
+}
+
+void tst_benchDataAccess::problemsOfTheLatestLoad()
+{
+    const QString userFile = QStringLiteral("user_data.xml");
+    QVERIFY(directory->write(dbFile, "<F></G>"));
+    QVERIFY(directory->write(userFile, "<F>\n<bench os='o'/>\n"));
+    fixture a;
+    a.data->loadReferenceData(benchDataAccess::normalReference);
+    a.data->loadUserData();
+    const QStringList expected = {
+        QStringLiteral("'%1' has a fault in line 1: what follows it is left out")
+            .arg(directory->path(dbFile)),
+        QStringLiteral("'%1' has a fault in line 3: what follows it is left out")
+            .arg(directory->path(userFile))};
+    QCOMPARE(a.data->getLoadProblems(), expected);
+    a.data->loadReferenceData(benchDataAccess::builtInReference);
+    QVERIFY(a.data->getLoadProblems().isEmpty());
+    QVERIFY(QFile::remove(directory->path(userFile)));
+    QVERIFY(QDir().mkpath(directory->path(userFile)));
+    a.data->loadUserData();
+    QCOMPARE(a.data->getLoadProblems().size(), 1);
+    QVERIFY2(a.data->getLoadProblems().first().startsWith(
+                 QStringLiteral("'%1' cannot be read: ").arg(directory->path(userFile))),
+             qPrintable(a.data->getLoadProblems().first()));
 }
 
 void tst_benchDataAccess::beta()

@@ -92,6 +92,7 @@ private slots:
     void badDownload();
     void uploaded_data();
     void uploaded();
+    void uploadHasPlainLineEnds();
     void uploadWithoutFile();
     void uploadWithoutDirectory();
     void uploadFails_data();
@@ -209,6 +210,7 @@ void tst_onlineExchange::badDownload_data()
     row("404", sending(httpReply(packed, "404 Not Found")));
     row("redirect", sending(httpReply("", "302 Found", "Location: http://127.0.0.1:1/\r\n")));
     row("not packed", sending(httpReply(online)));
+    row("no machine", sending(httpReply(qCompress("<Fennick/>"))));
     row("4 GB in front", sending(httpReply("\xff\xff\xff\xff" + packed.mid(4))));
     row("too long",
         sending(httpReply(qCompress(QByteArray(static_cast<int>(maximumXmlSize) + 1, ' ')))));
@@ -272,6 +274,17 @@ void tst_onlineExchange::uploaded()
     QCOMPARE(machines.size(), 1);
     QCOMPARE(machines.first().getName(), name);
     QCOMPARE(machines.first().getCpu(), QStringLiteral("A&B \"+\" %2B"));
+}
+
+/// The stored results are text, with the line ends of the system that wrote them.
+void tst_onlineExchange::uploadHasPlainLineEnds()
+{
+    QVERIFY(directory->write(userFile, "<F>\r\n<bench os='o'/>\r\n</F>\r\n"));
+    exchange e;
+    e.replies = {{"storeUserData", sending(httpReply("thanks"))}};
+    QVERIFY(e.data->uploadResults());
+    QCOMPARE(formItems(e.server.lastBody()).value(2).second,
+             QByteArray("<F>\n<bench os='o'/>\n</F>\n"));
 }
 
 void tst_onlineExchange::uploadWithoutFile()

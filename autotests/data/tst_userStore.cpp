@@ -54,6 +54,12 @@ struct fixture {
         (runner.get()->*operation)();
         return log.text;
     }
+    QString logOf(bool (benchDataAccess::*operation)())
+    {
+        log.text.clear();
+        wasDone = (runner.get()->*operation)();
+        return log.text;
+    }
     /// Lets a test of the suite have a result of its own.
     void record(int index)
     {
@@ -71,6 +77,7 @@ struct fixture {
     textLog log;
     std::unique_ptr<benchBase> runner;
     int referenceCount = 0;
+    bool wasDone = false;
 };
 
 /// Acts as a user who is not the administrator, to whom permissions apply, while it lives.
@@ -171,6 +178,7 @@ void tst_userStore::fileIsExact()
     fixture f;
     QCOMPARE(f.log.text, foundSome);
     QCOMPARE(f.logOf(&benchDataAccess::storeUserData), stored);
+    QVERIFY(f.wasDone);
     // Without the test that a full run leaves out; one that the suite does not know stays.
     QCOMPARE(directory->read(userFile),
              QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -371,6 +379,7 @@ void tst_userStore::noDirectory()
     QCOMPARE(f.log.text, cannot + foundNone);
     QCOMPARE(f.logOf(&benchDataAccess::storeUserData),
              cannot + QStringLiteral("Can't store userdata (directory not writable)\n"));
+    QVERIFY(!f.wasDone);
     QCOMPARE(f.logOf(&benchDataAccess::removeUserData),
              cannot + QStringLiteral("Can not remove user benchmark data (doesn't exists)\n"));
 }
@@ -418,7 +427,9 @@ void tst_userStore::fullDiskKeepsTheFile()
     f.record(0);
     {
         const fullDisk disk;
+        f.wasDone = true;
         QCOMPARE(f.logOf(&benchDataAccess::storeUserData), notWritable);
+        QVERIFY(!f.wasDone);
     }
     QCOMPARE(directory->read(userFile), before);
     QCOMPARE(QDir(directory->path()).entryList(QDir::Files), QStringList(userFile));
