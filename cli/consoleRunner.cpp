@@ -18,10 +18,18 @@ extern "C" void noteInterrupt(int signal)
     std::signal(signal, SIG_DFL);
 }
 
+/// Whoever starts a program in the background without a terminal has it ignore Ctrl-C, which is
+/// meant for others.
+void listenToInterrupts()
+{
+    if (std::signal(SIGINT, noteInterrupt) == SIG_IGN)
+        std::signal(SIGINT, SIG_IGN);
+}
+
 class interruptHook : public stopHook
 {
 public:
-    interruptHook() { std::signal(SIGINT, noteInterrupt); }
+    interruptHook() { listenToInterrupts(); }
     bool isStopRequested() override { return interrupted != 0; }
 };
 
@@ -37,6 +45,21 @@ void write(const QString &text, std::FILE *stream)
     std::fputs(text.toLocal8Bit().constData(), stream);
 }
 
+void complain(const QString &sentence)
+{
+    write(QStringLiteral("fennick-cli: %1\n").arg(sentence), stderr);
+}
+
+/// Loads the list of machines and this one. The log says where they come from; what could not be
+/// read of them is said on standard error.
+void load(benchBase &runner)
+{
+    runner.loadReferenceData(benchBase::normalReference);
+    runner.loadUserData();
+    for (const QString &problem : runner.getLoadProblems())
+        complain(problem);
+}
+
 /// The exit code of a full run and of what follows it.
 int runFull(const commandLine &command, benchBase &runner)
 {
@@ -49,12 +72,18 @@ int runFull(const commandLine &command, benchBase &runner)
                 .arg(benchBase::standardTestTime / 1000));
         return runner.getFailedTests() > 0 ? exitFailure : exitSuccess;
     }
-    runner.storeUserData();
+    if (!runner.storeUserData()) {
+        // An upload would send what was stored before.
+        complain(command.isUpload
+                     ? QStringLiteral("the results could not be stored, and are not uploaded")
+                     : QStringLiteral("the results could not be stored"));
+        return exitFailure;
+    }
     if (runner.getFailedTests() > 0) {
         // What is uploaded is a whole run, and what an earlier one left in the record is none.
         if (command.isUpload)
-            runner.print(QStringLiteral("Not uploaded: tests without a result: %1\n")
-                             .arg(runner.getFailedTests()));
+            complain(QStringLiteral("tests without a result: %1; the run is not uploaded")
+                         .arg(runner.getFailedTests()));
         return exitFailure;
     }
     return !command.isUpload || runner.uploadResults() ? exitSuccess : exitFailure;
@@ -64,8 +93,11 @@ int runFull(const commandLine &command, benchBase &runner)
 
 int runTests(const commandLine &command, benchBase &runner, stopHook &stop)
 {
-    runner.loadReferenceData(benchBase::normalReference);
-    runner.loadUserData();
+    load(runner);
+    if (stop.isStopRequested()) {
+        runner.print(QStringLiteral("stopped by user ...\n"));
+        return exitInterrupted;
+    }
     runner.setTestTime(command.testTime);
     if (command.wanted == commandLine::runFull)
         return runFull(command, runner);

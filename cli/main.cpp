@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
+#include "cli/standardStreams.h"
 
 #include <QCoreApplication>
 
 int main(int argc, char *argv[])
 {
+    occupyStandardHandles();
     QCoreApplication application(argc, argv);
     // The same as the window's, so that both keep their files in the same directory.
     QCoreApplication::setApplicationName(QStringLiteral("fennick"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FENNICK_VERSION));
-    return runConsole(QCoreApplication::arguments());
+    return exitCodeAfterOutput(runConsole(QCoreApplication::arguments()),
+                               QStringLiteral("fennick-cli"));
 }

@@ -146,11 +146,15 @@ private slots:
     void programWithoutMemory();
     void stopped();
     void stoppedBetweenTests();
+    void stoppedBeforeTheFirstTest();
+    void failedStore();
     void programListsAndExits_data();
     void programListsAndExits();
     void programRunsATest();
     void programAsksTheServer();
     void programIsInterrupted();
+    void secondInterruptEndsTheProgram();
+    void ignoredInterruptsStayIgnored();
     void programHasNoWidgets();
 
 private:
@@ -308,6 +312,31 @@ void tst_consoleRunner::stoppedBetweenTests()
     QVERIFY(c.text.contains(QStringLiteral("\nstopped by user ...\n Result: ")));
 }
 
+/// Ctrl-C while the online database is asked.
+void tst_consoleRunner::stoppedBeforeTheFirstTest()
+{
+    for (const QStringList &tests : {QStringList(), QStringList(a)}) {
+        console c;
+        c.isStopped = true;
+        QCOMPARE(c.run(tests), int(exitInterrupted));
+        QVERIFY(!c.events.contains(QStringLiteral("a.setup")));
+        QVERIFY(c.text.endsWith(QStringLiteral("stopped by user ...\n")));
+    }
+}
+
+/// What was stored before must not be uploaded as if it was new.
+void tst_consoleRunner::failedStore()
+{
+    QVERIFY(QDir().mkpath(directory->path(userFile)));
+    for (const bool isUpload : {false, true}) {
+        console c;
+        QCOMPARE(c.runStandard(isUpload), int(exitFailure));
+        QVERIFY(c.text.endsWith(
+            QStringLiteral("Benchmark finished\nCan't store userdata (not writable)\n")));
+        QCOMPARE(c.uploads, 0);
+    }
+}
+
 void tst_consoleRunner::programListsAndExits_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -378,6 +407,76 @@ void tst_consoleRunner::programIsInterrupted()
     QCOMPARE(p.exitCode(), 130);
     QVERIFY(p.out.contains(QStringLiteral("\nstopped by user ...\n Result: ")));
     QVERIFY(p.out.endsWith(QStringLiteral("ms)\nstopped by user ...\n")));
+#else
+    QSKIP("needs signals between processes");
+#endif
+}
+
+#ifdef Q_OS_LINUX
+namespace
+{
+
+/// Whether process @p id has been sent a SIGINT that it has not taken notice of.
+bool isInterruptPending(qint64 id)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(id));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray text = status.readAll();
+    const QByteArray field = "\nShdPnd:\t";
+    const quint64 pending =
+        text.mid(text.indexOf(field) + field.size(), 16).toULongLong(nullptr, 16);
+    return (pending >> (SIGINT - 1)) & 1U;
+}
+
+} // namespace
+#endif
+
+void tst_consoleRunner::secondInterruptEndsTheProgram()
+{
+#ifdef Q_OS_LINUX
+    // A round of this test takes seconds. Should one end just between the two signals, the first
+    // one ends the program, and another try is due.
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        program p({QStringLiteral("--time=600"), QStringLiteral("--test=shellsort"), nobody});
+        QVERIFY(p.waitFor(QStringLiteral("Test ")));
+        const auto id = static_cast<pid_t>(p.process.processId());
+        ::kill(id, SIGINT);
+        QVERIFY(QTest::qWaitFor([id] { return !isInterruptPending(id); }));
+        ::kill(id, SIGINT);
+        QVERIFY(p.process.waitForFinished(120'000));
+        if (p.process.exitStatus() == QProcess::CrashExit) {
+            QCOMPARE(p.process.exitCode(), SIGINT);
+            return;
+        }
+        QCOMPARE(p.process.exitCode(), int(exitInterrupted));
+    }
+    QFAIL("the second signal has never ended the program");
+#else
+    QSKIP("needs to know of pending signals");
+#endif
+}
+
+/// As those of a script are that runs in the background.
+void tst_consoleRunner::ignoredInterruptsStayIgnored()
+{
+#ifdef Q_OS_UNIX
+    QProcess process;
+    process.start(QStringLiteral("sh"),
+                  {QStringLiteral("-c"), QStringLiteral("trap '' INT; exec \"$0\" \"$@\""),
+                   QStringLiteral(FENNICK_CLI), QStringLiteral("--time=2"),
+                   QStringLiteral("--test=mandel"), QStringLiteral("--resolution=320x240"),
+                   nobody});
+    QByteArray out;
+    while (!out.contains("Test ") && process.waitForReadyRead(60'000))
+        out += process.readAllStandardOutput();
+    QVERIFY(out.contains("Test "));
+    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    QVERIFY(process.waitForFinished(120'000));
+    out += process.readAllStandardOutput();
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY(!out.contains("stopped by user"));
 #else
     QSKIP("needs signals between processes");
 #endif
