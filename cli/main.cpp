@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
 #include "cli/standardStreams.h"
+#include "engine/computerName.h"
 
 #include <QCoreApplication>
+#include <QSysInfo>
 
 int main(int argc, char *argv[])
 {
@@ -11,6 +13,7 @@ int main(int argc, char *argv[])
     // The same as the window's, so that both keep their files in the same directory.
     QCoreApplication::setApplicationName(QStringLiteral("fennick"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FENNICK_VERSION));
+    provideComputerName(QSysInfo::machineHostName());
     return exitCodeAfterOutput(runConsole(QCoreApplication::arguments()),
                                QStringLiteral("fennick-cli"));
 }
