@@ -87,11 +87,6 @@ httpDatabase::httpDatabase(const QString &host, const timeOuts &limits)
 
 httpDatabase::~httpDatabase() = default;
 
-QString httpDatabase::defaultHost()
-{
-    return QStringLiteral(FENNICK_RESULT_HOST);
-}
-
 bool httpDatabase::isHost(const QString &text)
 {
     const QUrl url(QStringLiteral("http://%1").arg(text), QUrl::StrictMode);
