@@ -29,6 +29,8 @@ private slots:
     void endsOnSignals_data();
     void endsOnSignals();
     void finishesWhatIsInFlight();
+    void secondSignalEndsAtOnce_data() { endsOnSignals_data(); }
+    void secondSignalEndsAtOnce();
     void silentClients();
     void drippingClient();
     void manySlowClients();
@@ -126,6 +128,29 @@ void tst_serverTroubles::finishesWhatIsInFlight()
     QVERIFY(server.process.waitForFinished(15'000));
     QCOMPARE(server.process.exitCode(), 0);
     QCOMPARE(listed(database), 1);
+}
+
+/// A request whose rest never comes holds the end up for seconds, but not a second time.
+void tst_serverTroubles::secondSignalEndsAtOnce()
+{
+    QFETCH(int, number);
+    serverProcess server(sqlite());
+    server.process.setReadChannel(QProcess::StandardError);
+    const auto id = static_cast<pid_t>(server.process.processId());
+    rawClient client(server.port);
+    client.send("POST /php/Fennick/mcp.php HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n"
+                "Expect: 100-continue\r\n\r\n");
+    // The server has read the head, and waits for the body.
+    QVERIFY(client.socket.waitForReadyRead(20'000));
+    QVERIFY(client.socket.readAll().startsWith("HTTP/1.1 100 "));
+    kill(id, number);
+    QByteArray log;
+    while (!log.contains("ending") && server.process.waitForReadyRead(20'000))
+        log += server.process.readAllStandardError();
+    QVERIFY(log.contains("ending"));
+    kill(id, number);
+    QVERIFY(server.process.waitForFinished(30'000));
+    QCOMPARE(server.process.exitCode(), 128 + number);
 }
 
 void tst_serverTroubles::silentClients()

@@ -3,6 +3,7 @@
 
 #include "support/allocationWatch.h"
 #include "support/rounds.h"
+#include "support/textLog.h"
 
 #include <QtTest>
 
@@ -14,6 +15,7 @@ class tst_suite : public QObject
 
 private slots:
     void order();
+    void printHook();
     void everyTest_data();
     void failingAllocations_data() { everyTest_data(); }
     void failingAllocations();
@@ -54,6 +56,20 @@ void tst_suite::order()
         QCOMPARE(test->isSingleOnly(), test == tests.back());
     }
     QCOMPARE(names, expected);
+}
+
+/// The tests that may have something to say, which are the rotozoomers.
+void tst_suite::printHook()
+{
+    textLog log;
+    const suite tests = makeSuite(&log);
+    for (const auto &test : tests) {
+        if (!test->getName().startsWith(QStringLiteral("rotozoom")))
+            continue;
+        log.text.clear();
+        test->print(QStringLiteral("a word\n"));
+        QVERIFY2(log.text == QStringLiteral("a word\n"), qPrintable(test->getName()));
+    }
 }
 
 void tst_suite::everyTest_data()
