@@ -11,6 +11,7 @@
 #include <QFontInfo>
 #include <QMessageBox>
 #include <QTextCursor>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -137,7 +138,9 @@ void MainWindow::benchSingleStart()
     stopFlag = false;
     ui->pushButtonStop->show();
     do {
-        runner->runSingleTest(testName, resolutionName);
+        const bool isRun = runner->runSingleTest(testName, resolutionName) && chosenTestTime() > 0;
+        if (isRepeated && !isRun)
+            waitForNextTry();
     } while (isRepeated && !isStopRequested());
     ui->pushButtonStop->hide();
     stopFlag = false;
@@ -149,6 +152,16 @@ int MainWindow::chosenTestTime() const
 {
     const int seconds = ui->comboBoxSingleTestTime->currentText().toInt();
     return static_cast<int>(static_cast<float>(seconds) * 1000.0F);
+}
+
+void MainWindow::waitForNextTry()
+{
+    constexpr int shortestWait = 1000;
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.start(std::max(chosenTestTime(), shortestWait));
+    while (timer.isActive() && !isStopRequested())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 void MainWindow::showFrames()

@@ -70,6 +70,9 @@ private:
     /// Asks a question without a title. True unless the answer is No.
     bool isConfirmed(const QString &question);
     int chosenTestTime() const;
+    /// Lasts as long as a test would, or until the stop. A test that cannot be run processes no
+    /// events: repeated at once, it would fill the log and never let the stop button be pressed.
+    void waitForNextTry();
 
     bool stopFlag = false;
     std::unique_ptr<Ui::MainWindow> ui;

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/mainwindow.h"
-
 #include "support/dataDirectory.h"
-#include "support/fakeTest.h"
 #include "support/messageBoxes.h"
+#include "support/windowFixture.h"
 #include "ui/compareWindow.h"
-#include "ui/displayWidget.h"
 #include "ui/resultwindow.h"
 
 #include <QAction>
@@ -15,73 +12,10 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTabWidget>
-#include <QTextEdit>
 #include <QtTest>
 
 namespace
 {
-
-const QString oneCore = QStringLiteral("one");
-const QString manyCores = QStringLiteral("many");
-const QString singleOnly = QStringLiteral("single only");
-
-/// A window over three fakes, the last of which is left out of a full run.
-class windowFixture
-{
-public:
-    windowFixture()
-    {
-        window = std::make_unique<MainWindow>(nullptr, [this](printHook *) {
-            suite tests;
-            for (const QString &name : {oneCore, manyCores, singleOnly}) {
-                tests.push_back(std::make_unique<fakeTest>(name, &events));
-                fakes.append(static_cast<fakeTest *>(tests.back().get()));
-            }
-            fakes.at(1)->multicore = true;
-            fakes.at(2)->setSingleOnly(true);
-            return tests;
-        });
-        window->show();
-        atStart = log();
-    }
-
-    template <typename T> T *find(const char *name) const
-    {
-        return window->findChild<T *>(QString::fromLatin1(name));
-    }
-    QPushButton *button(const char *name) const { return find<QPushButton>(name); }
-    displayWidget *display() const { return window->findChild<displayWidget *>(); }
-    QString log() const { return find<QTextEdit>("debugBox")->toPlainText(); }
-    /// What has been printed since the start.
-    QString newLog() const { return log().mid(atStart.size()); }
-
-    /// True while the controls, and not the frames, are to be seen.
-    bool isIdle() const
-    {
-        return find<QTabWidget>("tabWidget")->isVisible() && !display()->isVisible()
-               && !button("pushButtonStop")->isVisible();
-    }
-
-    /// The view of this kind, or null unless there is exactly one.
-    template <typename T> T *onlyView() const
-    {
-        const QList<T *> views = window->findChildren<T *>();
-        return views.size() == 1 ? views.first() : nullptr;
-    }
-
-    void addTestTime(const QString &seconds) const
-    {
-        auto *box = find<QComboBox>("comboBoxSingleTestTime");
-        box->addItem(seconds);
-        box->setCurrentIndex(box->count() - 1);
-    }
-
-    std::unique_ptr<MainWindow> window;
-    QVector<fakeTest *> fakes;
-    QStringList events;
-    QString atStart;
-};
 
 void briefly()
 {
