@@ -6,7 +6,11 @@
 
 #include <QPainter>
 
-displayWidget::displayWidget(QWidget *parent) : QWidget(parent) {}
+displayWidget::displayWidget(QWidget *parent)
+    : QWidget(parent),
+      clockSource([] { return machineProbe::instance().getCoreClocks(); })
+{
+}
 
 void displayWidget::setTest(testBase *newTest)
 {
@@ -60,7 +64,8 @@ void displayWidget::drawClocks(QPainter &painter, int lineHeight) const
 {
     int y = lineHeight + 2;
     int core = 1;
-    for (const float kilohertz : machineProbe::instance().getCoreClocks()) {
+    const QVector<float> clocks = clockSource();
+    for (const float kilohertz : clocks) {
         painter.drawText(QRect(0, y, width(), lineHeight), 0, clockLine(core, kilohertz));
         y += lineHeight;
         ++core;

@@ -3,7 +3,10 @@
 
 #include <QImage>
 #include <QString>
+#include <QVector>
 #include <QWidget>
+
+#include <functional>
 
 class testBase;
 
@@ -28,6 +31,11 @@ public:
     void setTestCount(int count) { testCount = count; }
     /// Whether the clock of each core is shown, as far as the machine probe knows it.
     void setShowClocks(bool show) { showClocks = show; }
+    /// Takes the clock of each core, in kilohertz, from @p newSource instead of the machine probe.
+    void setClockSource(std::function<QVector<float>()> newSource)
+    {
+        clockSource = std::move(newSource);
+    }
     /// Takes note of the time in milliseconds since the previous frame; nothing shows it.
     void setFrameTime(int ms) { frameTime = ms; }
 
@@ -46,6 +54,7 @@ private:
     qint32 index = 0;
     qint32 testCount = 0;
     bool showClocks = true;
+    std::function<QVector<float>()> clockSource;
     testBase *test = nullptr;
     QImage frame;
 };

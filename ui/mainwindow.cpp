@@ -93,8 +93,11 @@ void MainWindow::updateProgress(testBase *, int elapsedMs)
 
 void MainWindow::updateEnd(testBase *)
 {
-    if (display)
-        display->setTestIndex(display->testIndex() + 1);
+    if (!display)
+        return;
+    // The frame is about to be freed, and the window can be painted before another one comes.
+    display->setTest(nullptr);
+    display->setTestIndex(display->testIndex() + 1);
 }
 
 bool MainWindow::isStopRequested()
