@@ -2,6 +2,7 @@
 #include "ui/displayWidget.h"
 
 #include "support/fakeTest.h"
+#include "support/paintRecord.h"
 
 #include <QPainter>
 #include <QtTest>
@@ -50,7 +51,10 @@ private slots:
     void statusLine_data();
     void statusLine();
     void testIndex();
+    void drawsTheFrameItself();
     void clockLines();
+    void clocksBelowTheStatusLine();
+    void clocksAreOptional();
 };
 
 void tst_displayWidget::blackWithoutTest()
@@ -163,6 +167,71 @@ void tst_displayWidget::clockLines()
     QCOMPARE(displayWidget::clockLine(1, 3400000.0F), QStringLiteral(" CPU 1 Clock 3400 MHz"));
     QCOMPARE(displayWidget::clockLine(12, 799876.5F), QStringLiteral(" CPU 12 Clock 799.877 MHz"));
     QCOMPARE(displayWidget::clockLine(2, 0.0F), QStringLiteral(" CPU 2 suspended"));
+}
+
+void tst_displayWidget::drawsTheFrameItself()
+{
+    fakeTest test(QStringLiteral("t"), nullptr);
+    QVERIFY(test.setup(30, 20));
+    displayWidget widget;
+    widget.resize(400, 300);
+    widget.setTest(&test);
+    paintRecord record(widget.size());
+    for (int i = 0; i < 3; ++i)
+        widget.render(&record, {}, {}, QWidget::RenderFlags());
+    QCOMPARE(record.images().size(), 3);
+    for (const paintRecord::image &image : record.images()) {
+        QCOMPARE(image.pixels, reinterpret_cast<const uchar *>(test.getBuffer()));
+        QCOMPARE(image.target, QRectF(0, 0, 400, 300));
+        QCOMPARE(image.source, QRectF(0, 0, 30, 20));
+        QCOMPARE(image.flags, Qt::ImageConversionFlags(Qt::NoFormatConversion));
+    }
+}
+
+void tst_displayWidget::clocksBelowTheStatusLine()
+{
+    fakeTest test(QStringLiteral("t"), nullptr);
+    QVERIFY(test.setup(1, 1));
+    displayWidget widget;
+    widget.resize(400, 300);
+    widget.setClockSource([] { return QVector<float>{3400000.0F, 0.0F, 799876.5F}; });
+    widget.setTest(&test);
+    const QFontMetrics metrics(widget.font());
+    paintRecord record(widget.size());
+    widget.render(&record, {}, {}, QWidget::RenderFlags());
+    const QStringList lines = {
+        QStringLiteral(" Test: t (singlecore)"), QStringLiteral(" CPU 1 Clock 3400 MHz"),
+        QStringLiteral(" CPU 2 suspended"), QStringLiteral(" CPU 3 Clock 799.877 MHz")};
+    QCOMPARE(record.texts().size(), lines.size());
+    for (int i = 0; i < lines.size(); ++i) {
+        const paintRecord::text &text = record.texts().at(i);
+        QCOMPARE(text.content, lines.at(i));
+        const int top = i == 0 ? 0 : metrics.height() * i + 2;
+        QCOMPARE(text.baseline, QPointF(0, top + metrics.ascent()));
+        QCOMPARE(text.colour, QColor(Qt::yellow));
+        QCOMPARE(text.backgroundMode, Qt::OpaqueMode);
+        QCOMPARE(text.background, QColor(Qt::black));
+    }
+}
+
+void tst_displayWidget::clocksAreOptional()
+{
+    fakeTest test(QStringLiteral("t"), nullptr);
+    QVERIFY(test.setup(1, 1));
+    displayWidget widget;
+    widget.resize(400, 300);
+    widget.setClockSource([] { return QVector<float>{1e6F}; });
+    widget.setTest(&test);
+    const auto lines = [&widget] {
+        paintRecord record(widget.size());
+        widget.render(&record, {}, {}, QWidget::RenderFlags());
+        return record.texts().size();
+    };
+    QCOMPARE(lines(), 2); // shown unless switched off
+    widget.setShowClocks(false);
+    QCOMPARE(lines(), 1);
+    widget.setShowClocks(true);
+    QCOMPARE(lines(), 2);
 }
 
 QTEST_MAIN(tst_displayWidget)
