@@ -4,6 +4,7 @@
 #include "engine/benchBase.h"
 #include "ui/compareWindow.h"
 #include "ui/displayWidget.h"
+#include "ui/logKeeper.h"
 #include "ui/resultwindow.h"
 #include "ui_mainwindow.h"
 
@@ -23,6 +24,7 @@ MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
     ui->setupUi(this);
     ui->calcComboBox->setMinimumHeight(0);
     ui->resolutionComboBox->setMinimumHeight(0);
+    new logKeeper(ui->debugBox);
     runner = std::make_unique<benchBase>(this, this, this, tests(this), std::move(database));
     setWindowTitle(runner->getTitle());
     fillChoosers();
