@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QtTest>
 #include <QVBoxLayout>
@@ -21,6 +22,7 @@ class tst_resultwindow : public QObject
 private slots:
     void form();
     void text();
+    void opensAtItsStart();
     void nothingLoaded();
     void closes();
 
@@ -85,6 +87,25 @@ void tst_resultwindow::text()
                             "colors  0 \n"
                             "vertex (multicore) 555.609 \n"
                             "%2 hidden 1.23457e+06 [hidden]"));
+}
+
+void tst_resultwindow::opensAtItsStart()
+{
+    directory.write(QStringLiteral("user_data.xml"), "");
+    textLog log;
+    suite tests;
+    for (int i = 0; i < 200; ++i)
+        tests.push_back(std::make_unique<fakeTest>(QStringLiteral("test %1").arg(i), nullptr));
+    benchBase runner(&log, nullptr, nullptr, std::move(tests));
+    runner.loadReferenceData(benchBase::builtInReference);
+    runner.loadUserData();
+    resultwindow window(nullptr, &runner);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const auto *text = find<QPlainTextEdit>(window, "plainTextEdit");
+    QVERIFY(text->verticalScrollBar()->maximum() > 100); // the end is far away
+    QCOMPARE(text->verticalScrollBar()->value(), 0);
+    QCOMPARE(text->textCursor().position(), 0);
 }
 
 void tst_resultwindow::nothingLoaded()
