@@ -4,15 +4,15 @@
 #include "data/benchDataAccess.h"
 #include "data/estimate.h"
 #include "engine/testBase.h"
+#include "ui/chartFonts.h"
 #include "ui/comparison.h"
 #include "ui/legendScrollView.h"
+#include "ui/plainText.h"
 #include "ui_compareWindow.h"
 
 #include <QBarSeries>
 #include <QBarSet>
 #include <QDebug>
-#include <QFontInfo>
-#include <QFontMetricsF>
 #include <QGestureEvent>
 #include <QGraphicsLayout>
 #include <QLegendMarker>
@@ -51,32 +51,13 @@ int labelStyle(Qt::CheckState state)
     return benchResults::fullDescription;
 }
 
-/// Calibri where it is installed; elsewhere one of its width, or the platform's own.
-QFont legendFont(int pointSize)
+/// The text of a bar's tool tip.
+QString describeBar(const benchResults &machine, double value)
 {
-    const QString family = QStringLiteral("Calibri");
-    if (QFont::substitutes(family).isEmpty()) {
-        QFont::insertSubstitutions(
-            family, {QStringLiteral("Carlito"), QStringLiteral("DejaVu Sans"), QFont().family()});
-    }
-    return {family, pointSize};
-}
-
-/// Qt replaces axis labels by dots where they stand too close, and wants this much free height.
-constexpr qreal labelPadding = 9;
-
-/// Lets the labels of @p axis shrink with the plot, within what can be read.
-void fitLabels(QValueAxis *axis, const QRectF &plotArea, QFont font)
-{
-    constexpr int smallestPixelSize = 7;
-    const qreal room = plotArea.height() / axis->tickCount() - labelPadding;
-    for (int size = QFontInfo(font).pixelSize(); size >= smallestPixelSize; --size) {
-        font.setPixelSize(size);
-        if (QFontMetricsF(font).height() <= room)
-            break;
-    }
-    if (axis->labelsFont() != font)
-        axis->setLabelsFont(font);
+    return plainText::asToolTip(
+        QStringLiteral("%1\n%2: %3")
+            .arg(plainText::shortened(machine.describe(benchResults::fullDescription)),
+                 plainText::shortened(machine.getCpu()), QString::number(value)));
 }
 
 QString unitOf(const QVector<testBase *> &tests, const QString &testName)
@@ -326,10 +307,7 @@ QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, int
         bar->append(value);
         if (isOwn)
             bar->setColor(Qt::red);
-        bar->setProperty(descriptionProperty,
-                         tr("%1\n%2: %3")
-                             .arg(machine.describe(benchResults::fullDescription), machine.getCpu(),
-                                  QString::number(value)));
+        bar->setProperty(descriptionProperty, describeBar(machine, value));
         series->append(bar);
     }
     qRegisterMetaType<QBarSet *>("QBarSet*");
@@ -350,16 +328,18 @@ QChart *compareWindow::createChart(QBarSeries *barSeries, qreal youValue,
     chart->addSeries(line);
     chart->setTitle(title);
 
-    const QFont font = legendFont(fontSize);
+    const QFont font = chartFonts::legend(fontSize);
     auto *axis = new QValueAxis;
     axis->setTickCount(11);
     connect(chart, &QChart::plotAreaChanged, axis,
-            [axis, font](const QRectF &area) { fitLabels(axis, area, font); });
+            [axis, font](const QRectF &area) { chartFonts::fitLabels(axis, area, font); });
     chart->addAxis(axis, Qt::AlignLeft);
     barSeries->attachAxis(axis);
     line->attachAxis(axis);
 
     QLegend *legend = chart->legend();
+    for (QLegendMarker *marker : legend->markers(barSeries)) // which would read names as HTML
+        marker->setLabel(plainText::asHtml(plainText::shortened(marker->label())));
     legend->markers().last()->setVisible(false);
     legend->setVisible(true);
     legend->setAlignment(Qt::AlignRight);
