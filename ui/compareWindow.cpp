@@ -4,6 +4,7 @@
 #include "data/benchDataAccess.h"
 #include "data/estimate.h"
 #include "engine/testBase.h"
+#include "ui/barTip.h"
 #include "ui/chartFonts.h"
 #include "ui/comparison.h"
 #include "ui/legendScrollView.h"
@@ -17,7 +18,6 @@
 #include <QGraphicsLayout>
 #include <QLegendMarker>
 #include <QLineSeries>
-#include <QToolTip>
 #include <QValueAxis>
 
 #include <algorithm>
@@ -52,12 +52,15 @@ int labelStyle(Qt::CheckState state)
 }
 
 /// The text of a bar's tool tip.
-QString describeBar(const benchResults &machine, double value)
+QString describeBar(const benchResults &machine, float value, const QString &unit)
 {
-    return plainText::asToolTip(
-        QStringLiteral("%1\n%2: %3")
-            .arg(plainText::shortened(machine.describe(benchResults::fullDescription)),
-                 plainText::shortened(machine.getCpu()), QString::number(value)));
+    const QString result =
+        value == comparison::smallestBar
+            ? compareWindow::tr("no result")
+            : QStringLiteral("%1 %2").arg(QString::number(static_cast<double>(value)), unit);
+    return QStringLiteral("%1\n%2: %3")
+        .arg(plainText::shortened(machine.describe(benchResults::fullDescription)),
+             plainText::shortened(machine.getCpu()), result);
 }
 
 QString unitOf(const QVector<testBase *> &tests, const QString &testName)
@@ -92,6 +95,7 @@ compareWindow::compareWindow(QWidget *parent, benchDataAccess *machineData, bool
     chartView->setRenderHint(QPainter::Antialiasing);
     chartView->setMinimumHeight(smallestChart);
     ui->gridLayout->addWidget(chartView);
+    tip = new barTip(chartView->viewport());
     connectControls();
     updateChart(0);
 }
@@ -191,9 +195,9 @@ void compareWindow::barHovered(bool status, int indx, QBarSet *set)
     constexpr int hoveredWidth = 4;
     set->setPen(outline(status ? hoveredWidth : 1));
     if (status)
-        QToolTip::showText(QCursor::pos(), set->property(descriptionProperty).toString(), this);
+        tip->enter(set, set->property(descriptionProperty).toString());
     else
-        QToolTip::hideText();
+        tip->leave(set);
 }
 
 bool compareWindow::event(QEvent *event)
@@ -298,16 +302,19 @@ QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, int
     auto *series = new QBarSeries;
     series->setBarWidth(0.9);
     const int style = labelStyle(ui->checkBoxNameType->checkState());
+    const QString unit = kind == comparison::oneTest
+                             ? unitOf(dataAccess->getTests(), testName) + QStringLiteral("/s")
+                             : QStringLiteral("%");
     for (const benchResults &machine : machines) {
         const bool isOwn = &machine == &machines.last();
-        const double value = static_cast<double>(comparison::barValue(machine, kind, testName));
+        const float value = comparison::barValue(machine, kind, testName);
         auto *bar = new QBarSet((isOwn ? tr("[you] ") : QString()) + machine.describe(style));
         bar->setBorderColor(Qt::black);
         bar->setPen(outline(1));
-        bar->append(value);
+        bar->append(static_cast<double>(value));
         if (isOwn)
             bar->setColor(Qt::red);
-        bar->setProperty(descriptionProperty, describeBar(machine, value));
+        bar->setProperty(descriptionProperty, describeBar(machine, value, unit));
         series->append(bar);
     }
     qRegisterMetaType<QBarSet *>("QBarSet*");
@@ -353,7 +360,10 @@ QChart *compareWindow::createChart(QBarSeries *barSeries, qreal youValue,
 
 void compareWindow::showChart(QChart *chart)
 {
+    tip->clear();
     // The view gives up the chart that it showed before.
     const std::unique_ptr<QChart> previous(chartView->chart());
+    for (const QAbstractSeries *series : previous->series())
+        series->disconnect(this); // a bar that is hovered says farewell
     chartView->setChart(chart);
 }

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class barTip;
 class benchDataAccess;
 class benchResults;
 
@@ -69,6 +70,7 @@ private:
 
     benchDataAccess *dataAccess;
     QChartView *chartView = nullptr;
+    barTip *tip = nullptr;
     bool ipc = false;
     int fontSize;
     std::unique_ptr<Ui::compareWindow> ui;

@@ -105,7 +105,7 @@ void tst_compareNames::letterForLetter()
     const namedFixture f(name);
     QVERIFY(f.labels().contains(name)); // the set's own label is raw
     QVERIFY2(f.writtenTexts().contains(name), qPrintable(f.writtenTexts().join(QLatin1Char('|'))));
-    QCOMPARE(f.tipOf(f.barOf(name)), QStringLiteral("%1 4C 2 GHz (linux)\n%1: 75").arg(name));
+    QCOMPARE(f.tipOf(f.barOf(name)), QStringLiteral("%1 4C 2 GHz (linux)\n%1: 75 %").arg(name));
 }
 
 void tst_compareNames::everyStyle()

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/compareFixture.h"
 
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGraphicsLayout>
 #include <QLegendMarker>
 #include <QLineSeries>
 #include <QPointer>
@@ -8,6 +11,7 @@
 #include <QToolTip>
 #include <QValueAxis>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -26,6 +30,8 @@ class tst_compareWindow : public QObject
 private slots:
     void firstChart();
     void barsAndLine();
+    void roomForTheBars();
+    void legendFontHasASubstitute();
     void kinds_data();
     void kinds();
     void titleWithoutMeasurement();
@@ -94,6 +100,36 @@ void tst_compareWindow::barsAndLine()
     QVERIFY(!legend->markers().last()->isVisible());
     QVERIFY(legend->markers().at(3)->isVisible());
     QCOMPARE(f.chart()->backgroundRoundness(), 0.0);
+}
+
+void tst_compareWindow::roomForTheBars()
+{
+    const compareFixture f;
+    QCOMPARE(f.chart()->margins(), QMargins(4, 4, 4, 4));
+    qreal left = 1;
+    qreal top = 1;
+    qreal right = 1;
+    qreal bottom = 1;
+    f.chart()->layout()->getContentsMargins(&left, &top, &right, &bottom);
+    QCOMPARE(QRectF(left, top, right, bottom), QRectF(0, 0, 0, 0));
+    QVERIFY(f.window->findChild<QChartView *>()->minimumHeight() >= 200);
+}
+
+void tst_compareWindow::legendFontHasASubstitute()
+{
+    const compareFixture f;
+    const QFont font = f.chart()->legend()->font();
+    const QStringList substitutes = QFont::substitutes(font.family()); // in small letters
+    QCOMPARE(substitutes.mid(0, 2),
+             QStringList({QStringLiteral("carlito"), QStringLiteral("dejavu sans")}));
+    // One of them, or the font itself, is drawn where any is installed.
+    const QStringList known = substitutes + QStringList(QStringLiteral("Calibri"));
+    const QStringList installed = QFontDatabase().families();
+    const bool isAnyInstalled = std::any_of(known.begin(), known.end(), [&](const QString &family) {
+        return installed.contains(family, Qt::CaseInsensitive);
+    });
+    const QString drawn = QFontInfo(font).family();
+    QVERIFY2(known.contains(drawn, Qt::CaseInsensitive) || !isAnyInstalled, qPrintable(drawn));
 }
 
 void tst_compareWindow::kinds_data()
@@ -328,7 +364,7 @@ void tst_compareWindow::hovering()
     QBarSet *set = f.bars()->barSets().at(2);
     emit f.bars()->hovered(true, 0, set);
     QCOMPARE(set->pen(), QPen(QBrush(Qt::black), 4));
-    QCOMPARE(QToolTip::text(), QStringLiteral("Phone %1 4C 2 GHz (android)\nPhone %1 cpu: 25"));
+    QCOMPARE(QToolTip::text(), QStringLiteral("Phone %1 4C 2 GHz (android)\nPhone %1 cpu: 25 %"));
     emit f.bars()->hovered(false, 0, set);
     QCOMPARE(set->pen(), QPen(QBrush(Qt::black), 1));
     QTRY_VERIFY(!QToolTip::isVisible());

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/barTip.h"
+
+#include "ui/plainText.h"
+
+#include <QCursor>
+#include <QHelpEvent>
+#include <QToolTip>
+#include <QWidget>
+
+#include <limits>
+
+barTip::barTip(QWidget *ownViewport) : QObject(ownViewport), viewport(ownViewport)
+{
+    viewport->installEventFilter(this);
+}
+
+void barTip::enter(const QObject *bar, const QString &text)
+{
+    current = bar;
+    tip = plainText::asToolTip(text);
+    show(QCursor::pos());
+}
+
+void barTip::leave(const QObject *bar)
+{
+    if (bar == current)
+        clear();
+}
+
+void barTip::clear()
+{
+    if (!current)
+        return;
+    current = nullptr;
+    QToolTip::hideText();
+}
+
+bool barTip::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip || !current)
+        return QObject::eventFilter(watched, event);
+    show(static_cast<const QHelpEvent *>(event)->globalPos());
+    return true;
+}
+
+void barTip::show(const QPoint &globalPosition) const
+{
+    // Without a time of its own, a tip goes away after ten seconds.
+    constexpr int endless = std::numeric_limits<int>::max();
+    QToolTip::showText(globalPosition, tip, viewport, {}, endless);
+}
