@@ -2,11 +2,10 @@
 #include "ui/compareWindow.h"
 
 #include "data/benchDataAccess.h"
-#include "data/estimate.h"
 #include "engine/testBase.h"
 #include "ui/barTip.h"
 #include "ui/chartFonts.h"
-#include "ui/comparison.h"
+#include "ui/compareNotes.h"
 #include "ui/legendScrollView.h"
 #include "ui/plainText.h"
 #include "ui_compareWindow.h"
@@ -19,8 +18,6 @@
 #include <QLegendMarker>
 #include <QLineSeries>
 #include <QValueAxis>
-
-#include <algorithm>
 
 namespace
 {
@@ -278,22 +275,15 @@ void compareWindow::buildChart(int sortMode, int count, int kind, int osMask, co
     if (ipc)
         fullTitle += tr(" (per Clock)");
     showChart(createChart(createBars(machines, kind, title), youValue, fullTitle));
-    markEstimates(machines);
+    showNotes(machines, comparison::gapsOf(machines, tests, wanted));
 }
 
-void compareWindow::markEstimates(const QVector<benchResults> &machines)
+void compareWindow::showNotes(const QVector<benchResults> &machines, const comparison::gaps &found)
 {
-    // The labels by processor do not have the machines' names, which say so otherwise.
-    const auto count =
-        std::count_if(machines.begin(), machines.end(),
-                      [](const benchResults &machine) { return isEstimate(machine.getName()); });
-    if (count == 0) {
-        ui->statusBar->clearMessage();
-        return;
-    }
-    ui->statusBar->showMessage(
-        tr("%1 of %2 bars are modelled estimates (est.), not measured results")
-            .arg(QString::number(count), QString::number(machines.size())));
+    QStringList notes = {compareNotes::onGaps(found, machines.last().isMeasured(), ipc),
+                         compareNotes::onEstimates(machines)};
+    notes.removeAll({});
+    ui->statusBar->showMessage(notes.join(QStringLiteral(". ")));
 }
 
 QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, int kind,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/comparison.h"
+
 #include <QChartView>
 #include <QMainWindow>
 
@@ -8,7 +10,6 @@
 
 class barTip;
 class benchDataAccess;
-class benchResults;
 
 QT_CHARTS_BEGIN_NAMESPACE
 class QBarSeries;
@@ -65,8 +66,8 @@ private:
     /// A chart of @p barSeries with a dashed line at @p youValue. Takes over the series.
     QChart *createChart(QBarSeries *barSeries, qreal youValue, const QString &title) const;
     void showChart(QChart *chart);
-    /// Says how many of the bars are modelled.
-    void markEstimates(const QVector<benchResults> &machines);
+    /// Says what the chart of @p machines does not show.
+    void showNotes(const QVector<benchResults> &machines, const comparison::gaps &found);
 
     benchDataAccess *dataAccess;
     QChartView *chartView = nullptr;

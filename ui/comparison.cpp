@@ -178,6 +178,27 @@ QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
     return shown;
 }
 
+gaps gapsOf(const QVector<benchResults> &shown, const QVector<testBase *> &tests,
+            const choices &wanted)
+{
+    gaps found;
+    found.machines = shown.size();
+    if (shown.isEmpty() || wanted.kind == oneTest)
+        return found;
+    found.bars =
+        static_cast<int>(std::count_if(shown.begin(), shown.end(), [](const benchResults &machine) {
+            return !std::isfinite(machine.getScore());
+        }));
+    const QMap<QString, benchResults::test> &own = shown.last().getTests();
+    for (const testBase *test : tests) {
+        if (!isCounted(*test, wanted.kind))
+            continue;
+        ++found.tests;
+        found.results += own.value(test->getName()).value > 0.0F ? 1 : 0;
+    }
+    return found;
+}
+
 float barValue(const benchResults &machine, int kind, const QString &testName)
 {
     float value = machine.getScore();

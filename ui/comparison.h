@@ -60,6 +60,19 @@ QVector<benchResults> mergedByName(const QVector<benchResults> &machines);
 QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
                                      const QVector<testBase *> &tests, const choices &wanted);
 
+/// Scores that are no finite number, which makes bars disappear, and what is there to compare.
+struct gaps {
+    int bars = 0;     ///< of the shown machines, those with such a score
+    int machines = 0; ///< all that are shown
+    int results = 0;  ///< of the tests that count, those with a result on this machine
+    int tests = 0;    ///< all that count
+};
+
+/// The gaps of @p shown, which is what rankedMachines gave for @p tests and @p wanted. None for
+/// oneTest, whose bars are no scores.
+gaps gapsOf(const QVector<benchResults> &shown, const QVector<testBase *> &tests,
+            const choices &wanted);
+
 /// The height of @p machine's bar: its result of @p testName for oneTest, else its score.
 float barValue(const benchResults &machine, int kind, const QString &testName);
 

@@ -39,6 +39,7 @@ private slots:
     void merging();
     void labelStyles();
     void estimatesAreMarked();
+    void newcomerIsToldWhatToDo();
     void perClock();
     void countFollowsTheMode();
     void countLimitsTheBars();
@@ -226,6 +227,32 @@ void tst_compareWindow::estimatesAreMarked()
     QVERIFY(f.labels().contains(QStringLiteral("Model (est.) cpu X4  2 GHz")));
     QCOMPARE(bar->currentMessage(),
              QStringLiteral("1 of 5 bars are modelled estimates (est.), not measured results"));
+    f.click("checkBoxWindows");
+    QCOMPARE(bar->currentMessage(), QString());
+}
+
+void tst_compareWindow::newcomerIsToldWhatToDo()
+{
+    compareFixture f;
+    const auto *bar = f.find<QStatusBar>("statusBar");
+    f.data.add(QStringLiteral("Model (est.)"), 10, 20);
+    f.data.add(QStringLiteral("LAB9"), 20, 0);
+    f.data.machines().last().setMeasured(true);
+    const QString estimates =
+        QStringLiteral("1 of 6 bars are modelled estimates (est.), not measured results");
+    f.choose("comboBox", 2);
+    QCOMPARE(bar->currentMessage(),
+             QStringLiteral("Only 1 of 2 tests has a result on this machine, so it cannot be "
+                            "compared: run the full benchmark, or choose that test. ")
+                 + estimates);
+    f.choose("comboBox", 0); // the one result is of a single core
+    QCOMPARE(bar->currentMessage(), estimates);
+    f.choose("comboBox", 1);
+    QVERIFY(bar->currentMessage().startsWith(QStringLiteral("None of the 1 tests")));
+    f.choose("comboBox", 4);
+    QCOMPARE(bar->currentMessage(), estimates);
+    f.choose("comboBox", 2);
+    f.data.machines().last().setTest(manyCores, benchResults::test(5));
     f.click("checkBoxWindows");
     QCOMPARE(bar->currentMessage(), QString());
 }

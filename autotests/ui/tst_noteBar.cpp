@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/noteBar.h"
+
+#include <QMainWindow>
+#include <QtTest>
+
+class tst_noteBar : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void allOfTheMessage_data();
+    void allOfTheMessage();
+    void roomIsGivenBack();
+    void followsTheWidth();
+};
+
+namespace
+{
+
+const QString manyWords = QStringLiteral("word ").repeated(60);
+
+struct barWindow {
+    barWindow()
+    {
+        window.setCentralWidget(new QWidget);
+        window.setStatusBar(bar);
+        window.resize(400, 300);
+        window.show();
+    }
+    void say(const QString &text) const
+    {
+        bar->showMessage(text);
+        QCoreApplication::processEvents();
+    }
+    int inkedRows() const
+    {
+        const QImage image = bar->grab().toImage();
+        int rows = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            bool isInked = false;
+            for (int x = 8; x < image.width() / 2; ++x)
+                isInked = isInked || qGray(image.pixel(x, y)) < 100;
+            rows += isInked ? 1 : 0;
+        }
+        return rows;
+    }
+
+    QMainWindow window;
+    noteBar *bar = new noteBar;
+};
+
+} // namespace
+
+void tst_noteBar::allOfTheMessage_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("lines"); // at least
+    QTest::newRow("one line") << QStringLiteral("hello") << 1;
+    QTest::newRow("many lines") << manyWords << 4;
+}
+
+void tst_noteBar::allOfTheMessage()
+{
+    QFETCH(QString, text);
+    QFETCH(int, lines);
+    const barWindow w;
+    w.say(text);
+    const int lineHeight = w.bar->fontMetrics().height();
+    QVERIFY(w.bar->height() >= lines * lineHeight);
+    QVERIFY(lines > 1 || w.bar->height() < 3 * lineHeight);
+    // Every second pixel row of a line of text has ink, or more.
+    QVERIFY2(w.inkedRows() >= lines * lineHeight / 3, qPrintable(QString::number(w.inkedRows())));
+}
+
+void tst_noteBar::roomIsGivenBack()
+{
+    const barWindow w;
+    w.say(QString());
+    const int before = w.bar->height();
+    w.say(manyWords);
+    QVERIFY(w.bar->height() > before);
+    w.say(QString());
+    QCOMPARE(w.bar->height(), before);
+}
+
+void tst_noteBar::followsTheWidth()
+{
+    barWindow w;
+    w.say(manyWords);
+    const int narrow = w.bar->height();
+    w.window.resize(1500, 300);
+    QTRY_VERIFY(w.bar->height() < narrow);
+    w.window.resize(400, 300);
+    QTRY_COMPARE(w.bar->height(), narrow);
+}
+
+QTEST_MAIN(tst_noteBar)
+#include "tst_noteBar.moc"

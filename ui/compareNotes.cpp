@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/compareNotes.h"
+
+#include "data/estimate.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace
+{
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("compareWindow", text);
+}
+
+} // namespace
+
+QString compareNotes::onEstimates(const QVector<benchResults> &machines)
+{
+    // The labels by processor do not have the machines' names, which say so otherwise.
+    const auto count =
+        std::count_if(machines.begin(), machines.end(),
+                      [](const benchResults &machine) { return isEstimate(machine.getName()); });
+    if (count == 0)
+        return {};
+    return translated("%1 of %2 bars are modelled estimates (est.), not measured results")
+        .arg(QString::number(count), QString::number(machines.size()));
+}
+
+QString compareNotes::onGaps(const comparison::gaps &found, bool isOwnMeasure, bool isPerClock)
+{
+    if (found.bars == 0)
+        return {};
+    if (isOwnMeasure && found.results < found.tests) {
+        if (found.results == 0) {
+            return translated("None of the %1 tests counted here has a result on this machine, so "
+                              "it cannot be compared: run the full benchmark, or choose a test "
+                              "that has one")
+                .arg(QString::number(found.tests));
+        }
+        const char *const text =
+            found.results == 1
+                ? "Only %1 of %2 tests has a result on this machine, so it cannot be compared: "
+                  "run the full benchmark, or choose that test"
+                : "Only %1 of %2 tests have a result on this machine, so it cannot be compared: "
+                  "run the full benchmark, or choose one of those tests";
+        return translated(text).arg(QString::number(found.results), QString::number(found.tests));
+    }
+    return translated(isPerClock ? "%1 of %2 bars are missing: a clock is not known, or results are"
+                                   " missing"
+                                 : "%1 of %2 bars are missing: there are no results to compare")
+        .arg(QString::number(found.bars), QString::number(found.machines));
+}

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/noteBar.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QSizeGrip>
+#include <QStyleOption>
+
+namespace
+{
+
+constexpr int margin = 3;
+
+} // namespace
+
+noteBar::noteBar(QWidget *parent) : QStatusBar(parent)
+{
+    connect(this, &QStatusBar::messageChanged, this, &noteBar::makeRoom);
+}
+
+QRect noteBar::textArea() const
+{
+    const auto *grip = findChild<QSizeGrip *>();
+    const int gripWidth = grip ? grip->sizeHint().width() : 0;
+    return rect().adjusted(2 * margin, margin, -margin - gripWidth, -margin);
+}
+
+void noteBar::makeRoom()
+{
+    const QRect room(0, 0, textArea().width(), QWIDGETSIZE_MAX);
+    const int height =
+        fontMetrics().boundingRect(room, Qt::TextWordWrap, currentMessage()).height();
+    setMinimumHeight(currentMessage().isEmpty() ? 0 : height + 2 * margin);
+}
+
+void noteBar::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    QStyleOption option;
+    option.initFrom(this);
+    style()->drawPrimitive(QStyle::PE_PanelStatusBar, &option, &painter, this);
+    painter.setPen(palette().windowText().color());
+    painter.drawText(textArea(), int(Qt::TextWordWrap) | int(Qt::AlignVCenter), currentMessage());
+}
+
+void noteBar::resizeEvent(QResizeEvent *event)
+{
+    QStatusBar::resizeEvent(event);
+    makeRoom();
+}
