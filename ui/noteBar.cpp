@@ -22,7 +22,10 @@ QRect noteBar::textArea() const
 {
     const auto *grip = findChild<QSizeGrip *>();
     const int gripWidth = grip ? grip->sizeHint().width() : 0;
-    return rect().adjusted(2 * margin, margin, -margin - gripWidth, -margin);
+    // As wide as its window from the start, and not only once there is a layout: a message in an
+    // early, narrow bar would make the window higher for good.
+    return QRect(0, 0, window()->width(), height())
+        .adjusted(2 * margin, margin, -margin - gripWidth, -margin);
 }
 
 void noteBar::makeRoom()

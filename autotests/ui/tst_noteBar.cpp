@@ -13,6 +13,7 @@ private slots:
     void allOfTheMessage();
     void roomIsGivenBack();
     void followsTheWidth();
+    void earlyMessageKeepsTheWindow();
 };
 
 namespace
@@ -93,6 +94,22 @@ void tst_noteBar::followsTheWidth()
     QTRY_VERIFY(w.bar->height() < narrow);
     w.window.resize(400, 300);
     QTRY_COMPARE(w.bar->height(), narrow);
+}
+
+void tst_noteBar::earlyMessageKeepsTheWindow()
+{
+    const barWindow late;
+    late.say(manyWords);
+    QMainWindow window;
+    window.setCentralWidget(new QWidget);
+    auto *bar = new noteBar(&window);
+    window.setStatusBar(bar);
+    window.resize(400, 300);
+    bar->showMessage(manyWords);
+    window.show();
+    QCoreApplication::processEvents();
+    QCOMPARE(window.size(), QSize(400, 300));
+    QCOMPARE(bar->height(), late.bar->height());
 }
 
 QTEST_MAIN(tst_noteBar)
