@@ -121,6 +121,23 @@ bool boundedServer::process_and_close_socket(socket_t sock)
     return true;
 }
 
+template <typename connection>
+bool boundedServer::answerRequest(connection &stream, bool isLast, bool &isClosed,
+                                  const std::function<void(httplib::Request &)> &prepare)
+{
+    if constexpr (requires { process_request(stream, isLast, isClosed, prepare); }) {
+        return process_request(stream, isLast, isClosed, prepare);
+    } else {
+        // From 0.18 on it is told who is connected instead of asking the stream.
+        std::string remote, local;
+        int remotePort = 0, localPort = 0;
+        stream.get_remote_ip_and_port(remote, remotePort);
+        stream.get_local_ip_and_port(local, localPort);
+        return process_request(stream, remote, remotePort, local, localPort, isLast, isClosed,
+                               prepare);
+    }
+}
+
 void boundedServer::serveConnection(socket_t sock)
 {
     deadlineStream stream(sock, [this] { return svr_sock_ == INVALID_SOCKET; });
@@ -133,7 +150,7 @@ void boundedServer::serveConnection(socket_t sock)
         bool isClosed = false;
         bool isUnread = false;
         const bool isDone =
-            process_request(stream, left == 1, isClosed, [&isUnread](httplib::Request &request) {
+            answerRequest(stream, left == 1, isClosed, [&isUnread](httplib::Request &request) {
                 isUnread = !isBounded(request);
                 if (isUnread) {
                     request.headers.erase("Connection");

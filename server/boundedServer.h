@@ -27,6 +27,11 @@ public:
 private:
     bool process_and_close_socket(socket_t sock) override;
     void serveConnection(socket_t sock);
+    /// The library's way to read a request and answer it, whatever its version wants to know.
+    /// False if that failed.
+    template <typename connection>
+    bool answerRequest(connection &stream, bool isLast, bool &isClosed,
+                       const std::function<void(httplib::Request &)> &prepare);
     /// Whether so many connections are open that deadlines are short.
     bool isCrowded() const;
 

@@ -12,13 +12,13 @@ constexpr auto idleTime = std::chrono::seconds(5);
 
 } // namespace
 
-void growingPool::enqueue(std::function<void()> task)
+growingPool::enqueued growingPool::enqueue(std::function<void()> task)
 {
     const std::lock_guard lock(mutex);
     tasks.push_back(std::move(task));
     if (idle >= static_cast<int>(tasks.size()) || threads >= limit) {
         changed.notify_all();
-        return;
+        return static_cast<enqueued>(true);
     }
     try {
         std::thread([this] { work(); }).detach();
@@ -26,6 +26,7 @@ void growingPool::enqueue(std::function<void()> task)
     } catch (const std::system_error &) {
         changed.notify_all(); // the system has no more threads: as if the limit were reached
     }
+    return static_cast<enqueued>(true);
 }
 
 void growingPool::work()

@@ -7,15 +7,19 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <utility>
 
 /// Runs each task on a thread of its own, as many as there are tasks at a time, up to a limit;
 /// threads that have nothing to do for a while end. Tasks beyond the limit wait.
 class growingPool : public httplib::TaskQueue
 {
 public:
+    /// Nothing or a bool, depending on the library's version; true where it can be said.
+    using enqueued = decltype(std::declval<httplib::TaskQueue &>().enqueue({}));
+
     explicit growingPool(int mostThreads) : limit(mostThreads) {}
 
-    void enqueue(std::function<void()> task) override;
+    enqueued enqueue(std::function<void()> task) override;
     /// Finishes all tasks.
     void shutdown() override;
 
