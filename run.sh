@@ -10,7 +10,12 @@ top=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 need_build_tools
 need_display_tools
 install_missing
-(cd "$top" && build release)
+(
+    cd "$top"
+    build release
+    reason=$(why_no_server release)
+    [ -z "$reason" ] || say "fennick-server is left out: $reason (docs/server.md)"
+)
 
 # Results carry the machine's name.
 export COMPUTERNAME="${COMPUTERNAME:-$(uname -n)}"

@@ -9,6 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 . scripts/setup.sh
 
 need_build_tools
+need_server_tools
 need_test_tools
 [ "$preset" = ci-clang ] && need_clang
 install_missing

@@ -10,6 +10,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/setup.sh
 
 need_build_tools
+need_server_tools
 need_clang
 need_fuzzers
 install_missing

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Sourced by run.sh and test.sh: finds what is missing to build Fennick, and installs it.
 
@@ -34,6 +35,10 @@ need_build_tools() {
     need has_cmake_package Qt5Widgets qtbase5-dev
     need has_cmake_package Qt5Charts libqt5charts5-dev
     need has_header zlib.h zlib1g-dev
+}
+
+# The result database's; the benchmark does without.
+need_server_tools() {
     need has_command pkg-config pkgconf
     need has_header httplib.h libcpp-httplib-dev
     need has_header openssl/ssl.h libssl-dev
@@ -81,11 +86,12 @@ install_missing() {
         || fail "apt-get could not install: ${missing[*]}"
 }
 
-# build PRESET: configures where needed and builds.
+# build PRESET: configures, because what is installed may have changed, and builds.
 build() {
     say "building (preset $1)"
-    if [ ! -f "build/$1/build.ninja" ]; then
-        cmake --preset "$1" > /dev/null || fail "the configuration failed"
-    fi
+    cmake --preset "$1" > /dev/null || fail "the configuration failed"
     cmake --build --preset "$1" >&2 || fail "the build failed"
 }
+
+# why_no_server PRESET: prints the reason why this build has no server, if it has none.
+why_no_server() { sed -n 's/^FENNICK_SERVER_LEFT_OUT:INTERNAL=//p' "build/$1/CMakeCache.txt"; }
