@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 programs=$PWD/build/test
 load=$programs/benchmarks/load-server
-postgres=$(ls -d /usr/lib/postgresql/*/bin | tail -n 1)
+for postgres in /usr/lib/postgresql/*/bin; do :; done # the newest
 work=$(mktemp -d)
 chmod 777 "$work"
 server=
@@ -61,5 +61,5 @@ echo "== 100,000 uploads, on SQLite"
 serve "sqlite:$work/many.db"
 request upload 32 100000
 end
-ls -l "$work/many.db" | awk '{ print "size: " $5 / 1e6 " MB" }'
+stat -c %s "$work/many.db" | awk '{ print "size: " $1 / 1e6 " MB" }'
 time "$programs/fennick-server" publish --database "sqlite:$work/many.db"
