@@ -4,8 +4,8 @@
 #include "engine/benchAndMeasure.h"
 #include "engine/machineProbe.h"
 #include "engine/memoryPolicy.h"
+#include "engine/stopwatch.h"
 
-#include <QElapsedTimer>
 #include <QSysInfo>
 
 #include <algorithm>
@@ -193,11 +193,10 @@ void benchBase::printResult(const testBase *test, float average)
 
 bool benchBase::timeTest(testBase *test, benchAndMeasure &measurement)
 {
-    QElapsedTimer timer;
-    timer.start();
+    const steadyStopwatch timer;
     int last = 0;
     for (;;) {
-        const int elapsed = static_cast<int>(timer.elapsed());
+        const int elapsed = timer.elapsed();
         if (elapsed >= testTime)
             return true;
         if (!isRoundWorked(test, measurement))

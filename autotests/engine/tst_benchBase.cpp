@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/benchBase.h"
 
+#include "engine/benchAndMeasure.h"
 #include "engine/machineProbe.h"
+#include "support/fakeClock.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
 
-#include <QElapsedTimer>
 #include <QSysInfo>
 #include <QtTest>
 
 #include <limits>
 #include <new>
+
+using std::chrono::milliseconds;
 
 namespace
 {
@@ -34,7 +37,7 @@ public:
         // time.
         runner->setTestTime(60);
         for (fakeTest *test : qAsConst(fakes))
-            test->onRun = [] { QTest::qSleep(70); };
+            test->onRun = [] { fakeClock::pass(milliseconds(70)); };
         text.clear();
     }
 
@@ -43,6 +46,7 @@ public:
     {
         note(test, "updateProgress");
         spans.append(elapsedMs);
+        fakeClock::pass(progressTime);
     }
     void updateEnd(testBase *test) override { note(test, "updateEnd"); }
     bool isStopRequested() override { return ++polls >= stopAtPoll; }
@@ -57,12 +61,16 @@ public:
 
     QStringList events;
     QVector<int> spans;
+    /// What the update hook takes for itself.
+    milliseconds progressTime{0};
     QVector<fakeTest *> fakes;
     int polls = 0;
     int stopAtPoll = std::numeric_limits<int>::max();
     std::unique_ptr<benchBase> runner;
 
 private:
+    fakeClock clock;
+
     void note(testBase *test, const char *event)
     {
         events.append(test->getName() + QLatin1Char('.') + QLatin1String(event));
@@ -126,7 +134,10 @@ private slots:
     void recordsOnlyTheStandardResolution();
     void recordsOnlyExistingEntries();
     void laterResultReplaces();
+    void repeatsUntilTheTimeIsUp_data();
     void repeatsUntilTheTimeIsUp();
+    void progressSpans();
+    void resultIsWorkByTheMeanSpan();
     void noTestTime();
     void namesWithPlaceholders();
     void nullEntryIsSkipped();
@@ -137,6 +148,9 @@ private slots:
 void tst_benchBase::initTestCase()
 {
     QStandardPaths::setTestModeEnabled(true);
+    // The stopwatch of the process starts with the first question.
+    const fakeClock clock;
+    benchAndMeasure().measure(nullptr);
 }
 
 void tst_benchBase::startText()
@@ -395,21 +409,63 @@ void tst_benchBase::laterResultReplaces()
     QVERIFY(fixture.stored(a) > slow);
 }
 
+void tst_benchBase::repeatsUntilTheTimeIsUp_data()
+{
+    QTest::addColumn<int>("testTime");
+    QTest::addColumn<int>("runs");
+    QTest::addRow("just over") << 351 << 6;
+    QTest::addRow("to the millisecond") << 350 << 5;
+    QTest::addRow("just under") << 349 << 5;
+    QTest::addRow("shorter than a run") << 1 << 1;
+}
+
 void tst_benchBase::repeatsUntilTheTimeIsUp()
 {
+    QFETCH(int, testTime);
+    QFETCH(int, runs);
     bench fixture({a});
-    fixture.runner->setTestTime(300);
-    QElapsedTimer timer;
-    timer.start();
+    fixture.runner->setTestTime(testTime);
+    // How long a test runs does not depend on the clock that people set.
+    fixture.fakes.at(0)->onRun = [] {
+        fakeClock::pass(milliseconds(70));
+        fakeClock::set(QTime(12, 0));
+    };
     QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    QVERIFY(timer.elapsed() >= 300);
-    const int runs = fixture.events.filter(QStringLiteral(".run")).size();
-    QVERIFY2(runs >= 1 && runs <= 5, qPrintable(QString::number(runs)));
+    QCOMPARE(fixture.events.filter(QStringLiteral(".run")).size(), runs);
     QCOMPARE(fixture.spans.size(), runs);
-    // The spans lie between the starts of successive runs; the first has nothing before it.
-    QVERIFY(fixture.spans.first() < 70);
-    for (const int span : fixture.spans.mid(1))
-        QVERIFY(span >= 69);
+}
+
+/// The spans lie between the starts of successive runs; the first has nothing before it.
+void tst_benchBase::progressSpans()
+{
+    bench fixture({a});
+    fixture.runner->setTestTime(1000);
+    fixture.progressTime = milliseconds(7);
+    fixture.fakes.at(0)->onRun = [run = 0]() mutable {
+        const int durations[] = {100, 250, 30, 400, 500};
+        fakeClock::pass(milliseconds(durations[run++]));
+    };
+    QVERIFY(fixture.runner->runSingleTest(a, QString()));
+    QCOMPARE(fixture.spans, QVector<int>({0, 107, 257, 37, 407}));
+    // The next test counts anew.
+    fixture.spans.clear();
+    fixture.fakes.at(0)->onRun = [] { fakeClock::pass(milliseconds(600)); };
+    QVERIFY(fixture.runner->runSingleTest(a, QString()));
+    QCOMPARE(fixture.spans, QVector<int>({0, 607}));
+}
+
+void tst_benchBase::resultIsWorkByTheMeanSpan()
+{
+    bench fixture({a});
+    fixture.runner->setTestTime(600);
+    // What the hook takes is not measured, but counts against the test time.
+    fixture.progressTime = milliseconds(50);
+    fixture.fakes.at(0)->onRun = [run = 1]() mutable {
+        fakeClock::pass(milliseconds(100 * run++));
+    };
+    QVERIFY(fixture.runner->runSingleTest(a, QString()));
+    QVERIFY(fixture.text.endsWith(testLine(a) + QStringLiteral("15/s MFakes (avg 200ms)\n")));
+    QCOMPARE(fixture.stored(a), 15.0F);
 }
 
 void tst_benchBase::noTestTime()
