@@ -86,6 +86,8 @@ private slots:
     void order();
     void notANumberRanksLast();
     void manyThatAreNoNumbers();
+    void equalScoresKeepTheirOrder_data();
+    void equalScoresKeepTheirOrder();
     void selection_data();
     void selection();
     void formerFlagsAreForgotten();
@@ -147,6 +149,37 @@ void tst_comparisonOrder::manyThatAreNoNumbers()
         after.sort();
         QCOMPARE(after, before);
         QCOMPARE(shown.last().getName(), QStringLiteral("you"));
+    }
+}
+
+void tst_comparisonOrder::equalScoresKeepTheirOrder_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("scores");
+    // Below and above what a sort does with its own method for a few.
+    for (const int size : {2, 3, 7, 8, 20, 300}) {
+        for (const int scores : {1, 2, 5})
+            QTest::addRow("%d machines, %d scores", size, scores) << size << scores;
+    }
+}
+
+/// Better with each other, as with >=, is no order either: a sort may do anything then.
+void tst_comparisonOrder::equalScoresKeepTheirOrder()
+{
+    QFETCH(int, size);
+    QFETCH(int, scores);
+    QVector<benchResults> machines;
+    for (int i = 0; i < size; ++i) {
+        const bool isNumber = i % (scores + 1) < scores;
+        const float result = isNumber ? float(100 + i % (scores + 1)) : notANumber;
+        machines.append(machineWith(QString::number(i), linuxWord, result));
+    }
+    machines.append(measured(machineWith(QStringLiteral("you"), linuxWord, 100)));
+    const auto shown = rankedMachines(machines, usualTests().all(), everything());
+    QCOMPARE(shown.size(), machines.size());
+    for (int i = 1; i < size; ++i) {
+        if (isSame(shown[i - 1].getScore(), shown[i].getScore()))
+            QVERIFY(shown[i - 1].getName().toInt() < shown[i].getName().toInt());
     }
 }
 
