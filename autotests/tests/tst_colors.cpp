@@ -66,6 +66,8 @@ private slots:
     void frames();
     void threadsDoNotMatter();
     void glowsAndDarkness();
+    void exactCentres_data();
+    void exactCentres();
     void setupRestarts();
 };
 
@@ -154,6 +156,40 @@ void tst_colors::glowsAndDarkness()
                 QCOMPARE(test.getBuffer()[y * width + x], black);
         }
     }
+}
+
+/// Frames in which the centre of a glow falls on a pixel to the last bit; there are few.
+void tst_colors::exactCentres_data()
+{
+    QTest::addColumn<int>("glow");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<int>("runs");
+    QTest::addColumn<quint32>("full");
+    QTest::addRow("red") << 0 << 2293 << 3685 << 3 << 0xFFFF0000U;
+    QTest::addRow("green") << 1 << 3133 << 5971 << 1 << 0xFF00FF00U;
+    QTest::addRow("blue") << 2 << 2519 << 3768 << 1 << 0xFF0000FFU;
+    QTest::addRow("white") << 3 << 3294 << 4052 << 4 << 0xFFFFFFFFU;
+}
+
+void tst_colors::exactCentres()
+{
+    QFETCH(int, glow);
+    QFETCH(int, width);
+    QFETCH(int, height);
+    QFETCH(int, runs);
+    QFETCH(quint32, full);
+    float time = 0;
+    for (int i = 0; i < runs; ++i)
+        time += 0.04F;
+    const centre at = centreOf(glow, time, width, height);
+    QVERIFY(at.x == std::floor(at.x) && at.y == std::floor(at.y));
+
+    colors test(1);
+    QVERIFY(test.setup(width, height));
+    runRounds(test, runs);
+    const quint32 pixel = test.getBuffer()[int(at.y) * width + int(at.x)];
+    QCOMPARE(pixel & full, full);
 }
 
 void tst_colors::setupRestarts()

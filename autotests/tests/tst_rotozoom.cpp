@@ -166,6 +166,7 @@ private slots:
     void modesThatAgree();
     void threadsDoNotMatter_data();
     void threadsDoNotMatter();
+    void zoomOvershoots_data();
     void zoomOvershoots();
     void whiteComesOutAs254();
     void unselectedThreadsAreRed();
@@ -272,16 +273,28 @@ void tst_rotozoom::threadsDoNotMatter()
     omp_set_num_threads(threads);
 }
 
-/// At this width the zoom reaches its bounds every 50 runs.
+void tst_rotozoom::zoomOvershoots_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<double>("limit");
+    // One texel for each pixel, and one for eight of them.
+    QTest::addRow("as wide as the picture") << 512 << 4096.0;
+    QTest::addRow("four times as wide") << 4096 << 512.0;
+    QTest::addRow("no multiple") << 1000 << 2097.152;
+}
+
+/// The zoom goes down from its limit to 0 and up again, a step beyond at either end.
 void tst_rotozoom::zoomOvershoots()
 {
-    constexpr int width = 4096;
+    QFETCH(int, width);
+    QFETCH(double, limit);
+    const int swing = int(std::ceil(limit / 10.24)) + 1;
     rotozoom test(nullptr, 0);
     QVERIFY(test.setup(width, 1));
     animation expected(0, width, 1);
-    double lowest = 512;
+    double lowest = limit;
     double highest = 0;
-    for (int i = 0; i < 210; ++i) {
+    for (int i = 0; i < 4 * swing; ++i) {
         runRounds(test, 1);
         expected.render();
         QVERIFY(frameOf(test) == expected.getPixels());
@@ -289,7 +302,7 @@ void tst_rotozoom::zoomOvershoots()
         highest = std::max(highest, expected.getZoom());
     }
     QVERIFY(lowest < 0 && lowest > -10.25);
-    QVERIFY(highest > 512 && highest < 522.25);
+    QVERIFY(highest > limit && highest < limit + 10.25);
 }
 
 void tst_rotozoom::whiteComesOutAs254()

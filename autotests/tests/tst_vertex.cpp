@@ -4,6 +4,7 @@
 #include "support/rounds.h"
 
 #include <QFile>
+#include <QPoint>
 #include <QtTest>
 
 #include <algorithm>
@@ -95,12 +96,16 @@ private slots:
     void multicoreScales();
     void frames_data();
     void frames();
+    void dots_data();
+    void dots();
     void smallFramesStayBlack_data();
     void smallFramesStayBlack();
     void setupRestarts();
 
 private:
     std::vector<vector> cloud;
+    /// Set up once for all rows of dots.
+    vertex dotTest{0};
 };
 
 void tst_vertex::initTestCase()
@@ -202,6 +207,63 @@ void tst_vertex::frames()
         QVERIFY(frameOf(test) == expectedDots(test));
         QVERIFY(frameOf(test) != blackFrame(width, height));
     }
+}
+
+void tst_vertex::dots_data()
+{
+    QTest::addColumn<float>("x");
+    QTest::addColumn<float>("y");
+    QTest::addColumn<float>("z");
+    // Of the dot, with a side of two pixels, in a frame of 640 x 480.
+    QTest::addColumn<QPoint>("corner");
+    QTest::addColumn<quint32>("grey");
+    const QPoint none(-1, -1);
+    const QPoint centre(320, 240);
+    QTest::addRow("on the near plane") << 0.0F << 0.0F << 0.1F << centre << 255U;
+    QTest::addRow("just before it") << 0.0F << 0.0F << std::nextafter(0.1F, 0.0F) << none << 0U;
+    QTest::addRow("well before it") << 0.0F << 0.0F << 0.05F << none << 0U;
+    QTest::addRow("at the eye") << 0.0F << 0.0F << 0.0F << none << 0U;
+    QTest::addRow("behind") << 0.0F << 0.0F << -1.0F << none << 0U;
+    QTest::addRow("nowhere") << 0.0F << 0.0F << std::nanf("") << none << 0U;
+    QTest::addRow("grey") << 0.0F << 0.0F << 1.0F << centre << 224U;
+    QTest::addRow("dark") << 0.0F << 0.0F << 3.0F << centre << 74U;
+    QTest::addRow("still white") << 0.0F << 0.0F << 0.875F << centre << 255U;
+    QTest::addRow("to the right") << 0.5F << 0.0F << 2.0F << QPoint(400, 240) << 112U;
+    QTest::addRow("up and left") << -0.5F << -1.0F << 2.0F << QPoint(240, 120) << 112U;
+    QTest::addRow("truncated") << 0.004F << 0.007F << 1.0F << QPoint(321, 241) << 224U;
+    QTest::addRow("last column") << 0.998F << 0.0F << 1.0F << QPoint(639, 240) << 224U;
+    QTest::addRow("last row") << 0.0F << 0.998F << 1.0F << QPoint(320, 479) << 224U;
+    QTest::addRow("beyond the last column") << 1.0F << 0.0F << 1.0F << none << 0U;
+    QTest::addRow("beyond the last row") << 0.0F << 1.0F << 1.0F << none << 0U;
+    QTest::addRow("above the first row") << 0.0F << -1.1F << 1.0F << none << 0U;
+}
+
+/// One point of copy 0 where it is wanted, the others behind the eye.
+void tst_vertex::dots()
+{
+    QFETCH(float, x);
+    QFETCH(float, y);
+    QFETCH(float, z);
+    QFETCH(QPoint, corner);
+    QFETCH(quint32, grey);
+    if (!dotTest.getBuffer()) {
+        QVERIFY(dotTest.setup(640, 480));
+        dotTest.run();
+    }
+    dotTest.preRun();
+    auto *points = const_cast<vector4 *>(dotTest.getTransformed());
+    std::fill_n(points, pointCount, vector4{0, 0, -1, 0});
+    points[pointCount - 1] = {x, y, z, 0};
+    // The next copy is not drawn.
+    std::fill_n(points + pointCount, pointCount, vector4{0.2F, 0.2F, 1, 0});
+    dotTest.postRun();
+    frame expected = blackFrame(640, 480);
+    for (const QPoint &pixel :
+         {corner, corner + QPoint(1, 0), corner + QPoint(0, 1), corner + QPoint(1, 1)}) {
+        if (corner.x() >= 0 && pixel.x() < 640 && pixel.y() < 480)
+            expected[std::size_t(pixel.y() * 640 + pixel.x())] = black + grey * 0x010101U;
+    }
+    QVERIFY(frameOf(dotTest) == expected);
 }
 
 void tst_vertex::smallFramesStayBlack_data()

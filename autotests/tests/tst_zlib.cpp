@@ -4,6 +4,7 @@
 #include "support/rounds.h"
 #include "support/tiles.h"
 
+#include <QtEndian>
 #include <QtTest>
 
 #include <cstring>
@@ -12,6 +13,42 @@ namespace
 {
 
 constexpr int side = 4 * 512;
+/// Half as many bytes as the picture has.
+constexpr int inputSize = 2 * side * side;
+
+/// Packs as qCompress does, without compression (RFC 1950, RFC 1951: stored blocks), so that the
+/// length of the result is known: that of @p plain, 5 for each of its blocks, and 10.
+QByteArray storedStream(const QByteArray &plain)
+{
+    constexpr int longestBlock = 0xFFFF;
+    QByteArray stream("\x78\x01");
+    quint32 a = 1;
+    quint32 b = 0;
+    for (int start = 0; start < plain.size(); start += longestBlock) {
+        const QByteArray block = plain.mid(start, longestBlock);
+        char header[5] = {start + longestBlock >= plain.size() ? '\1' : '\0'};
+        qToLittleEndian(quint16(block.size()), header + 1);
+        qToLittleEndian(quint16(~block.size()), header + 3);
+        stream += QByteArray(header, 5) + block;
+        for (const char byte : block) {
+            a = (a + quint8(byte)) % 65521;
+            b = (b + a) % 65521;
+        }
+    }
+    QByteArray check(4, '\0');
+    qToBigEndian(b << 16 | a, check.data());
+    QByteArray length(4, '\0');
+    qToBigEndian(quint32(plain.size()), length.data());
+    return length + stream + check;
+}
+
+/// A workload whose buffers can be filled from here.
+class opened : public zlib
+{
+public:
+    char *packedBytes() { return reinterpret_cast<char *>(packed.data()); }
+    char *unpackedBytes() { return reinterpret_cast<char *>(unpacked.data()); }
+};
 
 } // namespace
 
@@ -23,6 +60,8 @@ private slots:
     void initTestCase();
     void reports();
     void inputIsLongEnough();
+    void inputIsCutOff_data();
+    void inputIsCutOff();
     void unpack_data();
     void unpack();
     void frames_data();
@@ -86,6 +125,41 @@ void tst_zlib::inputIsLongEnough()
     const QByteArray output = qUncompress(input);
     QCOMPARE(output.size(), 4 * side * side);
     QCOMPARE(std::memcmp(output.constData(), plain.data(), std::size_t(output.size())), 0);
+}
+
+void tst_zlib::inputIsCutOff_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("isWhole");
+    QTest::addRow("half of it") << inputSize / 2 << true;
+    QTest::addRow("one byte less") << inputSize - 1 << true;
+    QTest::addRow("all of it") << inputSize << true;
+    QTest::addRow("one byte more") << inputSize + 1 << false;
+    QTest::addRow("half more") << inputSize / 2 * 3 << false;
+}
+
+/// A stream that is longer than the fixed length of the input is cut there, and gives nothing.
+void tst_zlib::inputIsCutOff()
+{
+    QFETCH(int, size);
+    QFETCH(bool, isWhole);
+    const int blocks = (size - 10 + 0xFFFF + 4) / (0xFFFF + 5);
+    const QByteArray content(size - 10 - 5 * blocks, 'n');
+    const QByteArray bytes = storedStream(content);
+    QCOMPARE(bytes.size(), size);
+    QCOMPARE(qUncompress(bytes), content);
+
+    opened test;
+    QVERIFY(test.setup(64, 64));
+    test.preRun();
+    std::memcpy(test.packedBytes(), bytes.constData(), std::size_t(size));
+    std::memset(test.unpackedBytes(), '.', std::size_t(size));
+    test.run();
+    const QByteArray copied(test.unpackedBytes(), size);
+    QCOMPARE(copied.count('n'), isWhole ? content.size() : 0);
+    QCOMPARE(copied.at(0), isWhole ? 'n' : '.');
+    QCOMPARE(copied.at(content.size()), '.');
+    test.postRun();
 }
 
 void tst_zlib::frames_data()
