@@ -39,7 +39,8 @@ QVector<instructions> innermostLoopsOf(const QString &workload, const QString &f
     return loops;
 }
 
-/// How many calls of @p callee the functions have whose name contains @p function.
+/// How many calls of @p callee, those in place of a return included, the functions have whose name
+/// contains @p function.
 int countCalls(const QString &workload, const QString &function, const QString &callee)
 {
     const QRegularExpression target(QStringLiteral("[ <]%1[-+@>]").arg(callee));
@@ -48,7 +49,9 @@ int countCalls(const QString &workload, const QString &function, const QString &
         if (!one.name.contains(function))
             continue;
         for (const instruction &i : one.code) {
-            if (i.mnemonic.startsWith(QLatin1String("call")) && i.operands.contains(target))
+            const bool isCall = i.mnemonic.startsWith(QLatin1String("call"))
+                                || i.mnemonic.startsWith(QLatin1String("jmp"));
+            if (isCall && i.operands.contains(target))
                 ++count;
         }
     }
@@ -209,6 +212,8 @@ private slots:
     void linesDrawRandomNumbersInTheRun();
     void crc32HasNoTable();
     void zlibCopiesByteByByte();
+    void callsOfTheRun_data();
+    void callsOfTheRun();
 };
 
 void tst_machineCode::nothingIsPacked_data()
@@ -315,6 +320,45 @@ void tst_machineCode::zlibCopiesByteByByte()
         QCOMPARE(countCalls(QStringLiteral("zlib"), QStringLiteral("zlib::unpack"),
                             QString::fromLatin1(callee)),
                  0);
+}
+
+void tst_machineCode::callsOfTheRun_data()
+{
+    QTest::addColumn<QString>("workload");
+    QTest::addColumn<QString>("function");
+    QTest::addColumn<QString>("callee");
+    QTest::addColumn<bool>("isCalled");
+    const auto row = [](const char *workload, const char *function, const char *callee,
+                        bool isCalled) {
+        QTest::addRow("%s %s %s", workload, function, callee)
+            << QString::fromLatin1(workload) << QString::fromLatin1(function)
+            << QString::fromLatin1(callee) << isCalled;
+    };
+    // What belongs to the untimed steps is called there, and not in the run as well, where it would
+    // change no frame.
+    const char *const copies = "(memcpy|memmove)";
+    row("shellsort", "shellsort::preRun", copies, true);
+    row("shellsort", "shellsort::run", copies, false);
+    row("shellsort", "shellsort::sort", copies, false);
+    row("vertex", "vertex::preRun", "rotation[XYZ]\\(float\\)", true);
+    row("vertex", "vertex::run", "rotation[XYZ]\\(float\\)", false);
+    row("vertex", "vertex::run", "(testBase::fillBlack\\(\\)|memset)", false);
+    row("mandel", "mandel::run", copies, false);
+    row("zlib", "zlib::preRun", "qCompress\\(.*\\)", true);
+    row("zlib", "zlib::run", "qCompress\\(.*\\)", false);
+    row("zlib", "zlib::unpack", "qCompress\\(.*\\)", false);
+    row("motionBlur", "motionBlur::preRun", "stampDot\\(.*\\)", true);
+    row("motionBlur", "motionBlur::run", "stampDot\\(.*\\)", false);
+}
+
+void tst_machineCode::callsOfTheRun()
+{
+    QFETCH(QString, workload);
+    QFETCH(QString, function);
+    QFETCH(QString, callee);
+    QFETCH(bool, isCalled);
+    QVERIFY(!functionsOf(workload).isEmpty());
+    QCOMPARE(countCalls(workload, function, callee) > 0, isCalled);
 }
 
 QTEST_GUILESS_MAIN(tst_machineCode)
