@@ -132,6 +132,7 @@ private slots:
     void unknownResolution();
     void firstOfEqualNames();
     void recordsOnlyTheStandardResolution();
+    void recordsOnlyBothSidesOfTheStandardResolution();
     void recordsOnlyExistingEntries();
     void laterResultReplaces();
     void repeatsUntilTheTimeIsUp_data();
@@ -376,6 +377,19 @@ void tst_benchBase::recordsOnlyTheStandardResolution()
     QVERIFY(fixture.runner->getResults().last().isMeasured());
     for (const benchResults &machine : fixture.runner->getResults().mid(0, 1))
         QVERIFY(!machine.isMeasured());
+}
+
+void tst_benchBase::recordsOnlyBothSidesOfTheStandardResolution()
+{
+    bench fixture({a});
+    testBase *test = fixture.fakes.at(0);
+    for (const QSize &resolution : {QSize(3820, 100), QSize(100, 2160), QSize(3840, 2160)}) {
+        QVERIFY(fixture.runner->runTest(test, resolution, false));
+        QCOMPARE(fixture.stored(a), 0.0F);
+        QVERIFY(!fixture.runner->getResults().last().isMeasured());
+    }
+    QVERIFY(fixture.runner->runTest(test, QSize(3820, 2160), false));
+    QVERIFY(fixture.stored(a) > 0);
 }
 
 void tst_benchBase::recordsOnlyExistingEntries()

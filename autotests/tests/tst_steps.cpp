@@ -96,6 +96,7 @@ private slots:
     void vertexTurnsBefore();
     void vertexTransformsInTheRun();
     void rleCodesInTheRun();
+    void unpackedWordsAreShownOpaque();
     void zlibCompressesBefore();
     void zlibUnpacksInTheRun();
     void zlibReadsItsInputInTheRun();
@@ -330,6 +331,20 @@ void tst_steps::rleCodesInTheRun()
     test.postRun();
     QCOMPARE(test.getBuffer()[0], mark);
     QVERIFY(!test.packedWords() && !test.unpackedWords());
+}
+
+/// Packed words are shown as they are, unpacked ones with their alpha set.
+void tst_steps::unpackedWordsAreShownOpaque()
+{
+    opened<rle> test;
+    QVERIFY(test.setup(64, 64));
+    for (const quint32 alpha : {0U, black, 0U}) {
+        test.preRun();
+        std::fill_n(test.packedWords(), test.count(), 0x00123456U);
+        std::fill_n(test.unpackedWords(), test.count(), 0x00123456U);
+        test.postRun();
+        QVERIFY(isAll(frameOf(test), alpha | 0x00123456U));
+    }
 }
 
 void tst_steps::zlibCompressesBefore()

@@ -15,7 +15,7 @@ class tst_suite : public QObject
 
 private slots:
     void order();
-    void printHook();
+    void printTargets();
     void everyTest_data();
     void failingAllocations_data() { everyTest_data(); }
     void failingAllocations();
@@ -58,17 +58,15 @@ void tst_suite::order()
     QCOMPARE(names, expected);
 }
 
-/// The tests that may have something to say, which are the rotozoomers.
-void tst_suite::printHook()
+/// The rotozoomers alone are handed the print hook.
+void tst_suite::printTargets()
 {
     textLog log;
-    const suite tests = makeSuite(&log);
-    for (const auto &test : tests) {
-        if (!test->getName().startsWith(QStringLiteral("rotozoom")))
-            continue;
+    for (const auto &test : makeSuite(&log)) {
         log.text.clear();
-        test->print(QStringLiteral("a word\n"));
-        QVERIFY2(log.text == QStringLiteral("a word\n"), qPrintable(test->getName()));
+        test->print(QStringLiteral("text"));
+        const bool isRotozoom = test->getName().startsWith(QStringLiteral("rotozoom"));
+        QCOMPARE(log.text, isRotozoom ? QStringLiteral("text") : QString());
     }
 }
 

@@ -72,7 +72,7 @@ void addRun(usage &used, testBase &test, const std::array<clockid_t, teamSize> &
 usage usageOf(testBase &test, bool untilShared)
 {
     constexpr qint64 enough = 100'000'000;
-    constexpr qint64 tooMuch = 30 * enough;
+    constexpr qint64 tooMuch = 15 * enough;
     const auto clocks = teamClocks();
     usage used;
     do {
