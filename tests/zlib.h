@@ -20,8 +20,4 @@ public:
     /// and copies the result to @p out. Returns the number of bytes copied, 0 if it cannot be
     /// decompressed.
     static int unpack(char *out, const QByteArray &packedBytes);
-
-private:
-    /// The size of the source in bytes.
-    int plainSize() const;
 };

@@ -264,7 +264,7 @@ void tst_benchBase::failedRound()
     QVERIFY(!hooks.text.contains(QStringLiteral("Result")));
     // A new set-up is a new start.
     hooks.fakes[1]->canWork = true;
-    hooks.fakes[1]->onRun = [] { QTest::qSleep(70); };
+    hooks.fakes[1]->onRun = [] { fakeClock::pass(milliseconds(70)); };
     QVERIFY(hooks.runner->runSingleTest(b, {}));
     QVERIFY(!hooks.runner->runBenchmark());
     QCOMPARE(hooks.runner->getFailedTests(), 0);
