@@ -7,12 +7,20 @@
 #include <QtEndian>
 #include <QtTest>
 
+#include <algorithm>
 #include <cstring>
 
 namespace
 {
 
 constexpr int side = 4 * 512;
+
+/// Lets a test put something else into the place of the packed picture.
+class spoilt : public zlib
+{
+public:
+    void spoil() { std::fill_n(packed.data(), 16, 0xFFFFFFFFU); }
+};
 /// Half as many bytes as the picture has.
 constexpr int inputSize = 2 * side * side;
 
@@ -64,6 +72,7 @@ private slots:
     void inputIsCutOff();
     void unpack_data();
     void unpack();
+    void nothingUnpacked();
     void frames_data();
     void frames();
 
@@ -116,6 +125,21 @@ void tst_zlib::unpack()
     QByteArray out(32, '.');
     QCOMPARE(zlib::unpack(out.data(), packedBytes), copied.size());
     QCOMPARE(out, copied + QByteArray(32 - copied.size(), '.'));
+}
+
+/// A round that unpacks nothing has done no work.
+void tst_zlib::nothingUnpacked()
+{
+    spoilt test;
+    QVERIFY(test.setup(10, 10));
+    test.preRun();
+    test.run();
+    QVERIFY(!test.hasFailed());
+    test.spoil();
+    test.run();
+    QVERIFY(test.hasFailed());
+    test.postRun();
+    QVERIFY(frameOf(test) == blackFrame(10, 10));
 }
 
 void tst_zlib::inputIsLongEnough()
