@@ -53,26 +53,27 @@ void renderRowWide(quint32 *pixels, int width, int y, textureView texture, const
     }
 }
 
-/// Nearest texels at points that are moved by the parity of the pixel's row and column: two pixels
-/// to the step, and the last one of an odd row by itself.
+/// Nearest texels at points that are moved by the parity of the pixel's row and column: the even
+/// and the odd columns walk side by side, each by two steps.
 void renderRowDithered(quint32 *pixels, int width, int y, textureView texture, const view &frame)
 {
     const bool isOddRow = (y & 1) != 0;
-    const texturePoint even = isOddRow ? texturePoint{3072, 2048} : texturePoint{1024, 0};
-    const texturePoint odd = isOddRow ? texturePoint{0, 1024} : texturePoint{2048, 3072};
+    const texturePoint start = rowStart(frame, y);
     const texturePoint step = frame.alongRow;
-    texturePoint at = rowStart(frame, y);
+    texturePoint even = {start.u + (isOddRow ? 3072U : 1024U), start.v + (isOddRow ? 2048U : 0U)};
+    texturePoint odd = {start.u + step.u + (isOddRow ? 0U : 2048U),
+                        start.v + step.v + (isOddRow ? 1024U : 3072U)};
     int x = 0;
     for (; x + 2 <= width; x += 2) {
-        pixels[x] = texture.at(at.u + even.u, at.v + even.v);
-        at.u += step.u;
-        at.v += step.v;
-        pixels[x + 1] = texture.at(at.u + odd.u, at.v + odd.v);
-        at.u += step.u;
-        at.v += step.v;
+        pixels[x] = texture.at(even.u, even.v);
+        pixels[x + 1] = texture.at(odd.u, odd.v);
+        even.u += 2 * step.u;
+        even.v += 2 * step.v;
+        odd.u += 2 * step.u;
+        odd.v += 2 * step.v;
     }
     if (x < width)
-        pixels[x] = texture.at(at.u + even.u, at.v + even.v);
+        pixels[x] = texture.at(even.u, even.v);
 }
 
 /// Linear where this thread is selected, red elsewhere.
