@@ -3,9 +3,9 @@
 // The compare window over the built-in list: how long it takes to open and to rebuild its chart,
 // and what many rebuilds cost in memory. One iteration ends when the chart has been painted.
 
+#include "data/ranking.h"
 #include "engine/benchBase.h"
 #include "ui/compareWindow.h"
-#include "ui/comparison.h"
 
 #include <benchmark/benchmark.h>
 
@@ -57,7 +57,7 @@ void openWindow(benchmark::State &state)
 }
 BENCHMARK(openWindow)->Unit(benchmark::kMillisecond);
 
-/// A window of unmerged machines in one of the modes of comparison::selectionMode.
+/// A window of unmerged machines in one of the modes of ranking::selectionMode.
 class openedWindow
 {
 public:
@@ -99,13 +99,13 @@ void rebuild(benchmark::State &state)
 }
 BENCHMARK(rebuild)
     ->ArgName("mode")
-    ->Arg(comparison::mixedDevices)
-    ->Arg(comparison::allDevices)
+    ->Arg(ranking::mixedDevices)
+    ->Arg(ranking::allDevices)
     ->Unit(benchmark::kMillisecond);
 
 void tenThousandRebuilds(benchmark::State &state)
 {
-    openedWindow window(comparison::mixedDevices);
+    openedWindow window(ranking::mixedDevices);
     for (int i = 0; i < 200; ++i)
         window.rebuild();
     const double before = residentMebibytes();

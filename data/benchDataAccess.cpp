@@ -198,7 +198,7 @@ void benchDataAccess::loadUserData()
     if (parseUserData())
         return;
     print(QStringLiteral("Found no local user benchmark data\n"));
-    benchResults machine(machineProbe::instance());
+    benchResults machine = machineProbe::instance().record();
     for (const testBase *test : qAsConst(suiteTests)) {
         if (test)
             machine.setTest(test->getName(), benchResults::test());

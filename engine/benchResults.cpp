@@ -1,24 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/benchResults.h"
 
-#include "engine/machineProbe.h"
-
-#include <algorithm>
-#include <cstdlib>
-
-benchResults::benchResults(const machineProbe &probe)
-    : name(QStringLiteral("your machine")),
-      os(QStringLiteral(FENNICK_OS_WORD)),
-      cpu(probe.getProcessorName()),
-      threads(probe.getThreadCount())
-{
-    const QVector<float> frequencies = probe.getFrequencies();
-    if (!frequencies.isEmpty())
-        frequency = *std::max_element(frequencies.begin(), frequencies.end());
-    if (const char *computerName = std::getenv("COMPUTERNAME"))
-        name = QString::fromLocal8Bit(computerName);
-}
-
 benchResults::benchResults(const QString &machineName, const QString &osWord,
                            const QString &cpuName, float clock, int threadCount)
     : name(machineName),

@@ -5,8 +5,6 @@
 #include <QObject>
 #include <QString>
 
-class machineProbe;
-
 /// One machine and its results.
 class benchResults
 {
@@ -37,8 +35,6 @@ public:
     };
 
     benchResults() = default;
-    /// The record of the machine that @p probe describes, without results.
-    explicit benchResults(const machineProbe &probe);
     /// @p clock in Hz, 0 when unknown.
     benchResults(const QString &machineName, const QString &osWord, const QString &cpuName,
                  float clock, int threadCount);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/machineProbe.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <omp.h>
 
 const machineProbe &machineProbe::instance()
@@ -42,4 +44,15 @@ QVector<float> machineProbe::getFrequencies() const
 QVector<float> machineProbe::getCoreClocks() const
 {
     return {};
+}
+
+benchResults machineProbe::record() const
+{
+    const char *computerName = std::getenv("COMPUTERNAME");
+    const QVector<float> frequencies = getFrequencies();
+    return {computerName ? QString::fromLocal8Bit(computerName) : QStringLiteral("your machine"),
+            QStringLiteral(FENNICK_OS_WORD), getProcessorName(),
+            frequencies.isEmpty() ? 0.0F
+                                  : *std::max_element(frequencies.begin(), frequencies.end()),
+            getThreadCount()};
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/benchResults.h"
 #include "engine/processorInfo.h"
 
 #include <QByteArray>
@@ -30,6 +31,8 @@ public:
     /// The present clock of each core in kHz, 0 for a suspended one. No source for it is read so
     /// far, so the list is empty.
     QVector<float> getCoreClocks() const;
+    /// The record of this machine, without results. Its name is the environment's COMPUTERNAME.
+    benchResults record() const;
 
 private:
     source readProcessor;

@@ -29,7 +29,7 @@ QString compareNotes::onEstimates(const QVector<benchResults> &machines)
         .arg(QString::number(count), QString::number(machines.size()));
 }
 
-QString compareNotes::onGaps(const comparison::gaps &found, bool isOwnMeasure, bool isPerClock)
+QString compareNotes::onGaps(const ranking::gaps &found, bool isOwnMeasure, bool isPerClock)
 {
     if (found.bars == 0)
         return {};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/comparison.h"
+#include "data/ranking.h"
 
 /// What the compare window says below its chart, without a window.
 namespace compareNotes
@@ -12,6 +12,6 @@ QString onEstimates(const QVector<benchResults> &machines);
 
 /// Why bars cannot be compared, and what to do. Empty if all can. @p isOwnMeasure: scores are
 /// ratios to this machine.
-QString onGaps(const comparison::gaps &found, bool isOwnMeasure, bool isPerClock);
+QString onGaps(const ranking::gaps &found, bool isOwnMeasure, bool isPerClock);
 
 } // namespace compareNotes

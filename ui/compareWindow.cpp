@@ -2,6 +2,7 @@
 #include "ui/compareWindow.h"
 
 #include "data/benchDataAccess.h"
+#include "data/rankedTests.h"
 #include "engine/testBase.h"
 #include "ui/barTip.h"
 #include "ui/chartFonts.h"
@@ -52,7 +53,7 @@ int labelStyle(Qt::CheckState state)
 QString describeBar(const benchResults &machine, float value, const QString &unit)
 {
     const QString result =
-        value == comparison::smallestBar
+        value == ranking::smallestBar
             ? compareWindow::tr("no result")
             : QStringLiteral("%1 %2").arg(QString::number(static_cast<double>(value)), unit);
     return QStringLiteral("%1\n%2: %3")
@@ -101,14 +102,14 @@ compareWindow::~compareWindow() = default;
 
 void compareWindow::fillChoosers()
 {
-    const auto addMode = [this](const QString &text, comparison::selectionMode mode) {
+    const auto addMode = [this](const QString &text, ranking::selectionMode mode) {
         ui->comboBoxSortBy->addItem(text, int(mode));
     };
-    addMode(tr("Mixed devices"), comparison::mixedDevices);
-    addMode(tr("Top devices"), comparison::topDevices);
-    addMode(tr("Medium devices"), comparison::mediumDevices);
-    addMode(tr("Last devices"), comparison::lastDevices);
-    addMode(tr("All devices"), comparison::allDevices);
+    addMode(tr("Mixed devices"), ranking::mixedDevices);
+    addMode(tr("Top devices"), ranking::topDevices);
+    addMode(tr("Medium devices"), ranking::mediumDevices);
+    addMode(tr("Last devices"), ranking::lastDevices);
+    addMode(tr("All devices"), ranking::allDevices);
     for (int count = 20; count <= 50; count += 5)
         ui->comboBoxCount->addItem(QStringLiteral("%1").arg(count));
 }
@@ -116,15 +117,15 @@ void compareWindow::fillChoosers()
 void compareWindow::fillTests(bool showIpcOption)
 {
     ui->checkBoxIPC->setVisible(showIpcOption);
-    const auto addKind = [this](const QString &text, comparison::testKind kind) {
+    const auto addKind = [this](const QString &text, ranking::testKind kind) {
         ui->comboBox->addItem(text, int(kind));
     };
-    addKind(tr("combined (single core)"), comparison::singleCoreTests);
-    addKind(tr("combined (multi core)"), comparison::multiCoreTests);
-    addKind(tr("combined"), comparison::allTests);
+    addKind(tr("combined (single core)"), ranking::singleCoreTests);
+    addKind(tr("combined (multi core)"), ranking::multiCoreTests);
+    addKind(tr("combined"), ranking::allTests);
     for (const testBase *test : dataAccess->getTests()) {
         if (!test->isSingleOnly())
-            addKind(QStringLiteral("test: %1").arg(test->getName()), comparison::oneTest);
+            addKind(QStringLiteral("test: %1").arg(test->getName()), ranking::oneTest);
     }
 }
 
@@ -176,7 +177,7 @@ void compareWindow::selectionCountChanged(int)
 
 void compareWindow::sortByChanged(int i)
 {
-    ui->comboBoxCount->setEnabled(i != comparison::allDevices);
+    ui->comboBoxCount->setEnabled(i != ranking::allDevices);
     rebuild();
 }
 
@@ -221,64 +222,63 @@ void compareWindow::rebuild()
 
 void compareWindow::updateChart(int testIndex)
 {
-    const int kind = ui->comboBox->itemData(testIndex).toInt();
+    const auto kind = static_cast<ranking::testKind>(ui->comboBox->itemData(testIndex).toInt());
     QString title;
     switch (kind) {
-    case comparison::singleCoreTests:
+    case ranking::singleCoreTests:
         title = tr("combined (singlecore)");
         break;
-    case comparison::multiCoreTests:
+    case ranking::multiCoreTests:
         title = tr("combined (multicore)");
         break;
-    case comparison::allTests:
+    case ranking::allTests:
         title = tr("combined");
         break;
-    case comparison::oneTest:
+    case ranking::oneTest:
         // The text of the chooser, not of testIndex: they differ after a swipe, and stay different.
         title = ui->comboBox->currentText().mid(testPrefixLength);
         break;
-    default:
-        break;
     }
-    const int osMask = (ui->checkBoxAndroid->isChecked() ? comparison::androidFlag : 0)
-                       | (ui->checkBoxLinux->isChecked() ? comparison::linuxFlag : 0)
-                       | (ui->checkBoxWindows->isChecked() ? comparison::windowsFlag : 0);
-    buildChart(ui->comboBoxSortBy->currentIndex(), ui->comboBoxCount->currentText().toInt(), kind,
-               osMask, title, ui->checkBoxMerged->isChecked());
+    const int osMask = (ui->checkBoxAndroid->isChecked() ? ranking::androidFlag : 0)
+                       | (ui->checkBoxLinux->isChecked() ? ranking::linuxFlag : 0)
+                       | (ui->checkBoxWindows->isChecked() ? ranking::windowsFlag : 0);
+    buildChart(static_cast<ranking::selectionMode>(ui->comboBoxSortBy->currentIndex()),
+               ui->comboBoxCount->currentText().toInt(), kind, osMask, title,
+               ui->checkBoxMerged->isChecked());
 }
 
-void compareWindow::buildChart(int sortMode, int count, int kind, int osMask, const QString &title,
-                               bool merged)
+void compareWindow::buildChart(ranking::selectionMode sortMode, int count, ranking::testKind kind,
+                               int osMask, const QString &title, bool merged)
 {
-    comparison::choices wanted;
+    ranking::choices wanted;
     wanted.kind = kind;
     wanted.mode = sortMode;
     wanted.count = count;
     wanted.osMask = osMask;
     wanted.isMerged = merged;
     wanted.isPerClock = ipc;
-    const QVector<testBase *> tests = dataAccess->getTests();
+    const QVector<ranking::rankedTest> tests = rankedTestsOf(dataAccess->getTests());
     const QVector<benchResults> machines =
-        comparison::rankedMachines(dataAccess->getResults(), tests, wanted);
+        ranking::rankedMachines(dataAccess->getResults(), tests, wanted);
     if (machines.isEmpty())
         return;
     const benchResults &own = machines.last();
     qDebug() << "Test" << own.getName() << " " << (own.isMeasured() ? "Used" : "Unused");
 
     // Per clock are the scores only: the bars of one test, and its value here, are as measured.
-    const double youValue = static_cast<double>(comparison::barValue(own, kind, title));
+    const double youValue = static_cast<double>(ranking::barValue(own, kind, title));
     QString fullTitle = title;
-    if (kind == comparison::oneTest && own.isMeasured()) {
-        fullTitle +=
-            QStringLiteral(" [you: %1 %2]").arg(QString::number(youValue), unitOf(tests, title));
+    if (kind == ranking::oneTest && own.isMeasured()) {
+        fullTitle += QStringLiteral(" [you: %1 %2]")
+                         .arg(QString::number(youValue), unitOf(dataAccess->getTests(), title));
     }
     if (ipc)
         fullTitle += tr(" (per Clock)");
     showChart(createChart(createBars(machines, kind, title), youValue, fullTitle));
-    showNotes(machines, comparison::gapsOf(machines, tests, wanted));
+    showNotes(machines, ranking::gapsOf(machines, tests, wanted));
 }
 
-void compareWindow::showNotes(const QVector<benchResults> &machines, const comparison::gaps &found)
+void compareWindow::showNotes(const QVector<benchResults> &machines, const ranking::gaps &found)
 {
     QStringList notes = {compareNotes::onGaps(found, machines.last().isMeasured(), ipc),
                          compareNotes::onEstimates(machines)};
@@ -286,18 +286,18 @@ void compareWindow::showNotes(const QVector<benchResults> &machines, const compa
     ui->statusBar->showMessage(notes.join(QStringLiteral(". ")));
 }
 
-QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, int kind,
+QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, ranking::testKind kind,
                                       const QString &testName)
 {
     auto *series = new QBarSeries;
     series->setBarWidth(0.9);
     const int style = labelStyle(ui->checkBoxNameType->checkState());
-    const QString unit = kind == comparison::oneTest
+    const QString unit = kind == ranking::oneTest
                              ? unitOf(dataAccess->getTests(), testName) + QStringLiteral("/s")
                              : QStringLiteral("%");
     for (const benchResults &machine : machines) {
         const bool isOwn = &machine == &machines.last();
-        const float value = comparison::barValue(machine, kind, testName);
+        const float value = ranking::barValue(machine, kind, testName);
         auto *bar = new QBarSet((isOwn ? tr("[you] ") : QString()) + machine.describe(style));
         bar->setBorderColor(Qt::black);
         bar->setPen(outline(1));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/comparison.h"
+#include "data/ranking.h"
 
 #include <QChartView>
 #include <QMainWindow>
@@ -27,7 +27,7 @@ class compareWindow;
 /// Ranks this machine among the others in a bar chart.
 ///
 /// Every change of a control builds the chart anew from the machines as they are then; the ranking
-/// itself is that of ui/comparison.h.
+/// itself is that of data/ranking.h.
 class compareWindow : public QMainWindow
 {
     Q_OBJECT
@@ -58,16 +58,16 @@ private:
     void connectControls();
     void rebuild();
     void updateChart(int testIndex);
-    void buildChart(int sortMode, int count, int kind, int osMask, const QString &title,
-                    bool merged);
+    void buildChart(ranking::selectionMode sortMode, int count, ranking::testKind kind, int osMask,
+                    const QString &title, bool merged);
     /// A bar for each of @p machines, the last one, this machine's, in red.
-    QBarSeries *createBars(const QVector<benchResults> &machines, int kind,
+    QBarSeries *createBars(const QVector<benchResults> &machines, ranking::testKind kind,
                            const QString &testName);
     /// A chart of @p barSeries with a dashed line at @p youValue. Takes over the series.
     QChart *createChart(QBarSeries *barSeries, qreal youValue, const QString &title) const;
     void showChart(QChart *chart);
     /// Says what the chart of @p machines does not show.
-    void showNotes(const QVector<benchResults> &machines, const comparison::gaps &found);
+    void showNotes(const QVector<benchResults> &machines, const ranking::gaps &found);
 
     benchDataAccess *dataAccess;
     QChartView *chartView = nullptr;

@@ -2,10 +2,10 @@
 #include "data/httpDatabase.h"
 
 #include "data/benchXml.h"
+#include "data/formDecoder.h"
+#include "data/zlibStream.h"
 #include "support/fakeServer.h"
-#include "support/formDecoder.h"
 #include "support/peakMemory.h"
-#include "support/zlibStream.h"
 
 #include <QElapsedTimer>
 #include <QtTest>

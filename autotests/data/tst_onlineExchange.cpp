@@ -4,10 +4,10 @@
 #include "data/benchDataAccess.h"
 
 #include "data/benchXml.h"
+#include "data/formDecoder.h"
 #include "data/httpDatabase.h"
 #include "support/dataDirectory.h"
 #include "support/fakeServer.h"
-#include "support/formDecoder.h"
 #include "support/textLog.h"
 
 #include <QBuffer>

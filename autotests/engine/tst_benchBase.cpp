@@ -2,8 +2,8 @@
 #include "engine/benchBase.h"
 
 #include "engine/benchAndMeasure.h"
+#include "engine/fakeClock.h"
 #include "engine/machineProbe.h"
-#include "support/fakeClock.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
 

@@ -107,7 +107,7 @@ void tst_benchResults::copiesAreIndependent()
 void tst_benchResults::thisMachine()
 {
     qputenv("COMPUTERNAME", "LAB%1");
-    const benchResults machine(testProbe);
+    const benchResults machine = testProbe.record();
     qunsetenv("COMPUTERNAME");
     QCOMPARE(machine.getName(), QStringLiteral("LAB%1"));
     QCOMPARE(machine.getOs(), QStringLiteral(FENNICK_EXPECTED_OS_WORD));
@@ -121,7 +121,7 @@ void tst_benchResults::thisMachine()
 void tst_benchResults::unknownMachine()
 {
     qunsetenv("COMPUTERNAME");
-    const benchResults machine(silentProbe);
+    const benchResults machine = silentProbe.record();
     QCOMPARE(machine.getName(), QStringLiteral("your machine"));
     QCOMPARE(machine.getCpu(), QStringLiteral("unknown"));
     QCOMPARE(machine.getFrequency(), 0.0F);

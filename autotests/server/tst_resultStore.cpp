@@ -4,7 +4,7 @@
 #include "server/exchange.h"
 #include "server/storeThreads.h"
 
-#include "support/postgresServer.h"
+#include "server/postgresServer.h"
 #include "support/uploads.h"
 
 #include <QBuffer>

@@ -5,7 +5,7 @@
 #include "data/benchXml.h"
 #include "data/httpDatabase.h"
 
-#include "support/postgresServer.h"
+#include "server/postgresServer.h"
 #include "support/serverProcess.h"
 #include "support/uploads.h"
 

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "support/fakeTest.h"
-#include "ui/comparison.h"
+#include "data/ranking.h"
 
 #include <QPair>
 #include <QStringList>
@@ -10,8 +9,6 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <memory>
-#include <vector>
 
 /// Lists of machines to be ranked, and what is asked about them.
 namespace rankedLists
@@ -27,31 +24,11 @@ inline const QString multi = QStringLiteral("multi");
 inline const QString alone = QStringLiteral("alone");
 inline const QString linuxWord = QStringLiteral("linux");
 
-/// Owns the tests that a list is ranked by.
-class testList
-{
-public:
-    void add(const QString &name, bool isMulticore, bool isSingleOnly = false)
-    {
-        owned.push_back(std::make_unique<fakeTest>(name, nullptr));
-        owned.back()->multicore = isMulticore;
-        owned.back()->setSingleOnly(isSingleOnly);
-        tests.append(owned.back().get());
-    }
-    const QVector<testBase *> &all() const { return tests; }
-
-private:
-    std::vector<std::unique_ptr<fakeTest>> owned;
-    QVector<testBase *> tests;
-};
+using testList = QVector<ranking::rankedTest>;
 
 inline testList usualTests()
 {
-    testList tests;
-    tests.add(single, false);
-    tests.add(multi, true);
-    tests.add(alone, false, true);
-    return tests;
+    return {{single, false}, {multi, true}, {alone, false, true}};
 }
 
 inline benchResults machine(const QString &name, const resultList &results, float clock = 1e9F,
@@ -76,11 +53,11 @@ inline benchResults measured(benchResults entry)
     return entry;
 }
 
-inline comparison::choices everything(int kind = comparison::allTests)
+inline ranking::choices everything(ranking::testKind kind = ranking::allTests)
 {
-    comparison::choices wanted;
+    ranking::choices wanted;
     wanted.kind = kind;
-    wanted.mode = comparison::allDevices;
+    wanted.mode = ranking::allDevices;
     return wanted;
 }
 

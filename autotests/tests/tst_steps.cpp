@@ -4,8 +4,6 @@
 // it or out of it makes results that cannot be compared, and the frames do not tell: they are the
 // same when the round is over.
 
-#include "support/rounds.h"
-#include "support/tiles.h"
 #include "tests/colors.h"
 #include "tests/crc32.h"
 #include "tests/knownFrames.h"
@@ -14,7 +12,9 @@
 #include "tests/motionBlur.h"
 #include "tests/rle.h"
 #include "tests/rotozoom.h"
+#include "tests/rounds.h"
 #include "tests/shellsort.h"
+#include "tests/tiles.h"
 #include "tests/vertex.h"
 #include "tests/zlib.h"
 

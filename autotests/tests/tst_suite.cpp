@@ -2,8 +2,8 @@
 #include "tests/suite.h"
 
 #include "support/allocationWatch.h"
-#include "support/rounds.h"
 #include "support/textLog.h"
+#include "tests/rounds.h"
 
 #include <QtTest>
 

@@ -3,10 +3,10 @@
 // Names that strangers chose, in the compare window and in the text window.
 
 #include "engine/benchBase.h"
-#include "support/accessWatch.h"
-#include "support/compareFixture.h"
 #include "support/dataDirectory.h"
 #include "support/peakMemory.h"
+#include "ui/accessWatch.h"
+#include "ui/compareFixture.h"
 #include "ui/plainText.h"
 #include "ui/resultwindow.h"
 

@@ -5,7 +5,7 @@
 
 #include <QtTest>
 
-using namespace comparison;
+using namespace ranking;
 using namespace rankedLists;
 
 namespace
@@ -19,10 +19,10 @@ const QString third = QStringLiteral("third");
 testList fourTests()
 {
     testList tests;
-    tests.add(first, false);
-    tests.add(second, false);
-    tests.add(third, true);
-    tests.add(alone, false, true);
+    tests.append({first, false});
+    tests.append({second, false});
+    tests.append({third, true});
+    tests.append({alone, false, true});
     return tests;
 }
 
@@ -96,11 +96,10 @@ void tst_compareNotes::gaps()
     QFETCH(bool, isPerClock);
     const testList tests = fourTests();
     choices wanted;
-    wanted.kind = kind;
+    wanted.kind = static_cast<testKind>(kind);
     wanted.mode = allDevices;
     wanted.isPerClock = isPerClock;
-    const comparison::gaps found =
-        gapsOf(rankedMachines(machines, tests.all(), wanted), tests.all(), wanted);
+    const ranking::gaps found = gapsOf(rankedMachines(machines, tests, wanted), tests, wanted);
     QTEST(found.bars, "bars");
     QCOMPARE(found.machines, 3);
     QTEST(found.results, "results");
@@ -110,7 +109,7 @@ void tst_compareNotes::gaps()
 void tst_compareNotes::gapsOfNothing()
 {
     const testList tests = fourTests();
-    const comparison::gaps found = gapsOf({}, tests.all(), {});
+    const ranking::gaps found = gapsOf({}, tests, {});
     QCOMPARE(found.bars, 0);
     QCOMPARE(found.machines, 0);
 }
@@ -153,7 +152,7 @@ void tst_compareNotes::onGaps()
     QFETCH(int, results);
     QFETCH(bool, isOwnMeasure);
     QFETCH(bool, isPerClock);
-    comparison::gaps found;
+    ranking::gaps found;
     found.bars = bars;
     found.machines = 21;
     found.results = results;

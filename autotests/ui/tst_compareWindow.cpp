@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "support/compareFixture.h"
+#include "ui/compareFixture.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

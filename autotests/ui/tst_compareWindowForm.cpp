@@ -2,7 +2,7 @@
 
 // What the compare window is made of; what its controls do is tested beside it.
 
-#include "support/compareFixture.h"
+#include "ui/compareFixture.h"
 
 #include <QAction>
 #include <QGroupBox>

@@ -2,7 +2,7 @@
 #include "ui/displayWidget.h"
 
 #include "support/fakeTest.h"
-#include "support/paintRecord.h"
+#include "ui/paintRecord.h"
 
 #include <QPainter>
 #include <QtTest>

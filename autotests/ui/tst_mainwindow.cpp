@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/dataDirectory.h"
 #include "support/messageBoxes.h"
-#include "support/windowFixture.h"
 #include "ui/compareWindow.h"
 #include "ui/resultwindow.h"
+#include "ui/windowFixture.h"
 
 #include <QAction>
 #include <QCheckBox>

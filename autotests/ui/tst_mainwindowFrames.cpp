@@ -3,9 +3,9 @@
 // What the window shows, and when it gives a frame up.
 
 #include "support/dataDirectory.h"
-#include "support/guardedTest.h"
 #include "support/messageBoxes.h"
-#include "support/windowFixture.h"
+#include "ui/guardedTest.h"
+#include "ui/windowFixture.h"
 
 #include <QCheckBox>
 #include <QtTest>

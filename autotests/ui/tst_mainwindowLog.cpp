@@ -3,8 +3,8 @@
 // The log: what can be read of it, and where it stands.
 
 #include "support/dataDirectory.h"
-#include "support/windowFixture.h"
 #include "ui/logColumns.h"
+#include "ui/windowFixture.h"
 
 #include <QAction>
 #include <QScrollBar>

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tools/artwork/easel.h"
+
+namespace material
+{
+
+/// Paints textured field 0 to 7 with its upper left corner at the easel's origin: dunes, a night
+/// sky, a carpet, fur, agate, a canyon, water and a hammered sun.
+void paintTexturedField(easel &field, int number);
+
+} // namespace material
