@@ -1,29 +1,43 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/ceilings.h"
 
-// One core: some fifty times what a core of 2019 at 2.25 GHz does. All cores: a thousand times
-// that.
+#include "data/builtInList.h"
+#include "tests/suiteFacts.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+/// To two digits, so that it can be said in words.
+float roundedUp(float value)
+{
+    const float unit = std::pow(10.0F, std::floor(std::log10(value)) - 1);
+    return std::ceil(value / unit) * unit;
+}
+
+} // namespace
+
 const QMap<QString, float> &resultCeilings()
 {
-    static const QMap<QString, float> ceilings = {
-        {QStringLiteral("rotozoom 'dithered'"), 5e4F},
-        {QStringLiteral("rotozoom 'linear'"), 1e4F},
-        {QStringLiteral("rotozoom 'linear (multicore)'"), 1e7F},
-        {QStringLiteral("rotozoom 'last pixel'"), 2e4F},
-        {QStringLiteral("rotozoom 'last pixel (multicore)'"), 2e7F},
-        {QStringLiteral("mandel"), 1e3F},
-        {QStringLiteral("mandel (multicore)"), 1e6F},
-        {QStringLiteral("lines"), 2e4F},
-        {QStringLiteral("motion blur"), 1e4F},
-        {QStringLiteral("shellsort"), 2e2F},
-        {QStringLiteral("rle compress/uncompress"), 5e4F},
-        {QStringLiteral("zlib uncompress"), 1e4F},
-        {QStringLiteral("colors "), 1e4F},
-        {QStringLiteral("colors  (multicore)"), 1e7F},
-        {QStringLiteral("crc32 bitwise"), 2e3F},
-        {QStringLiteral("crc32 bitwise (multicore)"), 2e6F},
-        {QStringLiteral("vertex"), 1e4F},
-        {QStringLiteral("vertex (multicore)"), 1e7F},
-    };
+    static const QMap<QString, float> ceilings = [] {
+        QMap<QString, float> best;
+        for (const testFacts &test : suiteFacts()) {
+            if (test.isInFullRuns())
+                best.insert(QString::fromUtf8(test.name), 0);
+        }
+        for (const benchResults &machine : builtInMachines()) {
+            for (auto result = best.begin(); result != best.end(); ++result) {
+                const float value = machine.getTests().value(result.key()).value;
+                *result = std::max(*result, ceilingFactor * value);
+            }
+        }
+        for (float &ceiling : best) {
+            if (ceiling > 0)
+                ceiling = roundedUp(ceiling);
+        }
+        return best;
+    }();
     return ceilings;
 }

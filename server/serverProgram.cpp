@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/serverProgram.h"
 
-#include "data/benchXml.h"
+#include "data/builtInList.h"
 #include "server/exchange.h"
 #include "server/log.h"
 #include "server/publisher.h"
@@ -111,15 +111,6 @@ int serve(const serverCommand &command)
     const bool isDone = server.serve();
     writeLog(QStringLiteral("ended"));
     return isDone ? exitSuccess : failed(QStringLiteral("the server has failed"));
-}
-
-QVector<benchResults> builtInMachines()
-{
-    QFile file(QStringLiteral(":/data/benches.xml"));
-    QVector<benchResults> machines;
-    if (file.open(QIODevice::ReadOnly | QIODevice::Text))
-        readMachines(file, machines);
-    return machines;
 }
 
 int publish(resultStore &store)

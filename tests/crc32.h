@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/testBase.h"
+#include "tests/workloadFacts.h"
 
 /// Bit-serial CRC-32 of the frame itself, in as many chunks as there are threads. Each result
 /// overwrites a word at the start of the frame, so the data change a little from run to run.
@@ -24,3 +25,23 @@ public:
 private:
     quint32 multicore;
 };
+
+namespace crc32Facts
+{
+
+inline constexpr machineLoop loops[] = {
+    // Eight steps per byte, and the byte itself; no carry-less multiplication.
+    {"omp", {{{"shr", 8, 8}, {"xor", 9, 9}, {"and", 8, 16}, {"neg", 8, 8}, {"pclmul.*|crc32.*"}}}},
+};
+inline constexpr machineCode code = {"crc32", loops};
+
+inline constexpr workloadFacts facts = {
+    "MWords",
+    "Computes a CRC-32 of the frame bit by bit, without tables. One long chain of integer "
+    "operations: the clock, and the latency of the simplest instructions.",
+    {.instructions = 184, .loads = 4, .chainCycles = 88, .bytes = 4},
+    loopSchedule::fixed,
+    code,
+};
+
+} // namespace crc32Facts

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/testBase.h"
+#include "tests/workloadFacts.h"
 
 /// Fans of random lines after Bresenham, batch over batch.
 class lines : public testBase
@@ -30,3 +31,22 @@ private:
     /// 109 x 109; the difference is part of how the result is defined.
     qint32 lineCount = 12000;
 };
+
+namespace linesFacts
+{
+
+inline constexpr machineLoop loops[] = {
+    {"drawLine", {{{"cmp", 4, 4}, {mnemonics::singles}, {mnemonics::doubles}}}},
+};
+inline constexpr machineCode code = {"lines", loops};
+
+inline constexpr workloadFacts facts = {
+    "KLines",
+    "Draws random lines all over the frame after Bresenham. Scattered writes: how fast memory "
+    "answers when every line of the cache is new.",
+    {.instructions = 23300, .loads = 1434, .branchMisses = 166, .bytes = 98200},
+    loopSchedule::none,
+    code,
+};
+
+} // namespace linesFacts

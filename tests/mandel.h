@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/testBase.h"
+#include "tests/workloadFacts.h"
 
 #include <array>
 
@@ -40,3 +41,29 @@ private:
     qint32 frameCounter = 0;
     qint32 frameStep = 0;
 };
+
+namespace mandelFacts
+{
+
+inline constexpr machineLoop loops[] = {
+    // Four products of z and two of c; the division of each iteration.
+    {"", {{{"v?mulss", 4, -1}, {"v?divss", 1, 1}, {"v?u?comiss", 1, 1}, {mnemonics::doubles}}}},
+};
+inline constexpr machineCode code = {"mandel", loops};
+
+inline constexpr workloadFacts facts = {
+    "MPixel",
+    "Renders the Mandelbrot set by escape time, in single precision. Long chains of dependent "
+    "floating-point operations and divisions: the latencies of the floating-point unit.",
+    {.instructions = 509,
+     .loads = 42.8,
+     .chainMultiplications = 20.26,
+     .chainAdditions = 40.52,
+     .divisions = 20.26,
+     .branchMisses = 0.45,
+     .bytes = 8},
+    loopSchedule::dynamic,
+    code,
+};
+
+} // namespace mandelFacts

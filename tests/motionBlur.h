@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/testBase.h"
+#include "tests/workloadFacts.h"
 
 #include <QVector>
 
@@ -42,3 +43,25 @@ private:
     qint32 phase = 0;
     qint32 phaseStep = 1;
 };
+
+namespace motionBlurFacts
+{
+
+inline constexpr machineLoop loops[] = {
+    {"smear<unsigned int>",
+     {{{"imul", 6, 6}, {mnemonics::conversions}, {mnemonics::singles}, {mnemonics::doubles}}}},
+    {"smear<float>", {{{"v?mulss", 18, 18}, {"v?addss", 12, 12}, {mnemonics::doubles}}}},
+    {"smear<double>", {{{"v?mulsd", 18, 18}, {"v?addsd", 12, 12}, {mnemonics::singles}}}},
+};
+inline constexpr machineCode code = {"motionBlur", loops};
+
+inline constexpr workloadFacts facts = {
+    "MPixel",
+    "Smears the trails of flying rectangles with a filter of five taps, in place. Each pixel "
+    "waits for the one before it: the latency of integer products and of memory just written.",
+    {.instructions = 86.9, .loads = 5, .chainCycles = 21, .bytes = 8},
+    loopSchedule::none,
+    code,
+};
+
+} // namespace motionBlurFacts

@@ -3,6 +3,7 @@
 
 #include "engine/testBase.h"
 #include "tests/matrix.h"
+#include "tests/workloadFacts.h"
 
 /// Turns, scales and projects 512 copies of a cloud of points, and draws the first copy as grey
 /// dots. The cloud turns a little before each run.
@@ -51,3 +52,23 @@ private:
     float angleB = 0;
     float angleC = 0;
 };
+
+namespace vertexFacts
+{
+
+inline constexpr machineLoop loops[] = {
+    // 16 products each for the rotation and the projection, four for the scale.
+    {"omp", {{{"v?mulss", 36, 36}, {"v?addss", 28, 28}, {mnemonics::doubles}}}},
+};
+inline constexpr machineCode code = {"vertex", loops};
+
+inline constexpr workloadFacts facts = {
+    "MVertices",
+    "Turns, scales and projects a cloud of points by matrices. Independent single-precision "
+    "sums and products, and with many cores the bandwidth of the memory.",
+    {.instructions = 100, .loads = 40, .bytes = 32},
+    loopSchedule::fixed,
+    code,
+};
+
+} // namespace vertexFacts

@@ -144,7 +144,7 @@ void tst_serverProgram::uploadAnswers()
     const QByteArray refused = answerTo(uploadXml("a", "b", "-1"));
     QCOMPARE(statusOf(refused), 422);
     QCOMPARE(bodyOf(refused),
-             QByteArray("the result of 'mandel' must be at least 0 and below 1000\n"));
+             QByteArray("the result of 'mandel' must be at least 0 and below 870\n"));
     QCOMPARE(listed(database), 2);
 }
 

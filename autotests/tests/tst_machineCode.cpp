@@ -5,7 +5,9 @@
 // defeats this makes results incomparable, and this test red.
 
 #include "tests/disassembly.h"
+#include "tests/suiteFacts.h"
 
+#include <QFileInfo>
 #include <QtTest>
 
 #include <algorithm>
@@ -17,11 +19,16 @@ const QString packedArithmetic =
     QStringLiteral("v?(add|sub|mul|div|sqrt|rcp|rsqrt|min|max|hadd|hsub|addsub)p[sd]"
                    "|v?p(add|sub|mul|madd)[a-z]*|v?fn?m(add|sub)[0-9a-z]*");
 
+/// All that is compiled as measured work.
+QStringList workloadObjects()
+{
+    return QString::fromUtf8(FENNICK_WORKLOAD_OBJECTS).split(QLatin1Char('|'));
+}
+
 /// The functions of the workload source @p name, such as "mandel".
 QVector<machineFunction> functionsOf(const QString &name)
 {
-    const QStringList objects = QString::fromUtf8(FENNICK_WORKLOAD_OBJECTS).split(QLatin1Char('|'));
-    for (const QString &object : objects) {
+    for (const QString &object : workloadObjects()) {
         if (object.contains(QLatin1Char('/') + name + QLatin1String(".cpp.")))
             return disassemble(object);
     }
@@ -66,99 +73,17 @@ QString textOf(const instructions &code)
     return text;
 }
 
-/// How often a kind of instruction stands in a loop; -1 stands for any number of times.
-struct amount {
-    const char *mnemonics;
-    int least;
-    int most;
-};
-
-/// The innermost loop of a workload, known by having the first amount, must have the others too.
-struct kernel {
-    const char *workload;
-    const char *function;
-    QVector<amount> amounts;
-};
-
-const char *const conversions = "v?cvt.*";
-const char *const singles = "v?(add|sub|mul|div|sqrt)ss";
-const char *const doubles = "v?(add|sub|mul|div|sqrt)sd";
-
-const QVector<kernel> kernels = {
-    // Four products of z and two of c; the division of each iteration.
-    {"mandel", "", {{"v?mulss", 4, -1}, {"v?divss", 1, 1}, {"v?u?comiss", 1, 1}, {doubles, 0, 0}}},
-    // Per glow: both differences and their squares, a root, the scale, the light. With the vertical
-    // parts taken out of the loop there would be half as many.
-    {"colors",
-     "omp",
-     {{"v?sqrtss", 4, 4},
-      {"v?subss", 12, 12},
-      {"v?mulss", 12, 12},
-      {"call.*", 0, 0},
-      {doubles, 0, 0}}},
-    // Eight steps per byte, and the byte itself; no carry-less multiplication.
-    {"crc32",
-     "omp",
-     {{"shr", 8, 8}, {"xor", 9, 9}, {"and", 8, 16}, {"neg", 8, 8}, {"pclmul.*|crc32.*", 0, 0}}},
-    // Both keys of a comparison: three bytes each, two additions each.
-    {"shellsort", "shellsort::sort", {{"movzbl", 6, 6}, {"add", 4, 4}}},
-    // One comparison to end the loop, and none for an assertion.
-    {"zlib",
-     "zlib::unpack",
-     {{"movzb.*|movb", 1, 1}, {"mov", 1, -1}, {"cmp", 1, 1}, {"call.*", 0, 0}}},
-    // 16 products each for the rotation and the projection, four for the scale.
-    {"vertex", "omp", {{"v?mulss", 36, 36}, {"v?addss", 28, 28}, {doubles, 0, 0}}},
-    {"lines", "drawLine", {{"cmp", 4, 4}, {singles, 0, 0}, {doubles, 0, 0}}},
-    // Two innermost loops of the coder hold one pass over the words each; calls would be of memset
-    // and the like.
-    {"rle", "rle::encode", {{"cmp", 1, -1}, {"call.*|rep.*", 0, 0}}},
-    {"rle", "rle::decode", {{"cmp", 1, -1}, {"call.*|rep.*", 0, 0}}},
-    {"motionBlur",
-     "smear<unsigned int>",
-     {{"imul", 6, 6}, {conversions, 0, 0}, {singles, 0, 0}, {doubles, 0, 0}}},
-    {"motionBlur", "smear<float>", {{"v?mulss", 18, 18}, {"v?addss", 12, 12}, {doubles, 0, 0}}},
-    {"motionBlur", "smear<double>", {{"v?mulsd", 18, 18}, {"v?addsd", 12, 12}, {singles, 0, 0}}},
-    {"rotozoom", "renderRow<nearestTexel>", {{"imul", 1, -1}, {conversions, 0, 0}}},
-    {"rotozoom", "renderRowWide", {{"imul", 1, -1}, {conversions, 0, 0}}},
-    {"rotozoom", "renderRowDithered", {{"imul", 1, -1}, {conversions, 0, 0}}},
-    {"rotozoom",
-     "renderRow<linearTexel<unsigned int>",
-     {{"imul", 16, 20}, {conversions, 0, 0}, {singles, 0, 0}, {doubles, 0, 0}}},
-    {"rotozoom",
-     "renderRow<linearTexel<float>",
-     {{"v?mulss", 19, 19}, {"v?addss", 9, 9}, {doubles, 0, 0}}},
-    {"rotozoom",
-     "renderRow<linearTexel<double>",
-     {{"v?mulsd", 19, 19}, {"v?addsd", 9, 9}, {singles, 0, 0}}},
-    {"rotozoom",
-     "renderRow<lastPixelTexel<unsigned int>",
-     {{"imul", 1, -1}, {conversions, 0, 0}, {singles, 0, 0}, {doubles, 0, 0}}},
-    {"rotozoom",
-     "renderRow<lastPixelTexel<float>",
-     {{"v?mulss", 6, 6}, {"v?addss", 3, 3}, {doubles, 0, 0}}},
-    {"rotozoom",
-     "renderRow<lastPixelTexel<double>",
-     {{"v?mulsd", 6, 6}, {"v?addsd", 3, 3}, {singles, 0, 0}}},
-};
-
-/// What the largest innermost loop reads for each word or pixel that it writes: nothing that was
-/// put aside in memory, but what the work is about.
-struct reading {
-    const char *workload;
-    const char *function;
-    int mostLoadsPerStore;
-};
-
-const QVector<reading> readings = {
-    // The word to compare with; the moved one stays in a register.
-    {"shellsort", "shellsort::sort", 1},
-    {"rotozoom", "renderRow<nearestTexel>", 1},
-    {"rotozoom", "renderRowDithered", 1},
-    // The texel and the pixel before.
-    {"rotozoom", "renderRow<lastPixelTexel<unsigned int>", 2},
-    // Ten values that do not change and the row: one of them may not find a register.
-    {"colors", "omp", 1},
-};
+/// What each source of a workload must hold, every one once.
+std::vector<const machineCode *> expectedCode()
+{
+    std::vector<const machineCode *> all;
+    for (const testFacts &test : suiteFacts()) {
+        const machineCode *code = &test.workload.code;
+        if (std::find(all.begin(), all.end(), code) == all.end())
+            all.push_back(code);
+    }
+    return all;
+}
 
 /// The operands of @p one with addresses as "@".
 QString withoutAddresses(const instruction &one)
@@ -190,13 +115,16 @@ bool isStore(const instruction &one)
            && withoutAddresses(one).section(QLatin1Char(','), -1).contains(QLatin1Char('@'));
 }
 
-bool has(const instructions &loop, const amount &wanted)
+bool has(const instructions &loop, const instructionCount &wanted)
 {
     const int count = countMnemonics(loop, QString::fromLatin1(wanted.mnemonics));
     return count >= wanted.least && (wanted.most < 0 || count <= wanted.most);
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(const machineLoop *)
+Q_DECLARE_METATYPE(const machineReads *)
 
 class tst_machineCode : public QObject
 {
@@ -205,6 +133,7 @@ class tst_machineCode : public QObject
 private slots:
     void nothingIsPacked_data();
     void nothingIsPacked();
+    void everyWorkloadIsExpectedToHoldSomething();
     void workIsKept_data();
     void workIsKept();
     void nothingElseIsRead_data();
@@ -218,17 +147,16 @@ private slots:
 
 void tst_machineCode::nothingIsPacked_data()
 {
-    QTest::addColumn<QString>("workload");
-    for (const char *workload : {"mandel", "motionBlur", "lines", "rotozoom", "colors", "shellsort",
-                                 "rle", "vertex", "matrix", "zlib", "crc32", "codecTest"})
-        QTest::newRow(workload) << QString::fromLatin1(workload);
+    QTest::addColumn<QString>("object");
+    for (const QString &object : workloadObjects())
+        QTest::newRow(qPrintable(QFileInfo(object).fileName())) << object;
 }
 
 void tst_machineCode::nothingIsPacked()
 {
-    QFETCH(QString, workload);
+    QFETCH(QString, object);
     int count = 0;
-    for (const machineFunction &function : functionsOf(workload)) {
+    for (const machineFunction &function : disassemble(object)) {
         count += function.code.size();
         QVERIFY2(countMnemonics(function.code, packedArithmetic) == 0,
                  qPrintable(function.name + QLatin1Char('\n') + textOf(function.code)));
@@ -241,26 +169,37 @@ void tst_machineCode::nothingIsPacked()
     QVERIFY2(count > 50, "no machine code found");
 }
 
+void tst_machineCode::everyWorkloadIsExpectedToHoldSomething()
+{
+    for (const machineCode *code : expectedCode())
+        QVERIFY2(!code->loops.empty(), code->source);
+}
+
 void tst_machineCode::workIsKept_data()
 {
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < kernels.size(); ++i)
-        QTest::addRow("%s %s", kernels[i].workload, kernels[i].function) << i;
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<const machineLoop *>("wanted");
+    for (const machineCode *code : expectedCode()) {
+        for (const machineLoop &loop : code->loops)
+            QTest::addRow("%s %s", code->source, loop.function)
+                << QString::fromLatin1(code->source) << &loop;
+    }
 }
 
 void tst_machineCode::workIsKept()
 {
-    QFETCH(int, index);
-    const kernel &wanted = kernels[index];
+    QFETCH(QString, source);
+    QFETCH(const machineLoop *, wanted);
     int found = 0;
-    for (const instructions &loop : innermostLoopsOf(QString::fromLatin1(wanted.workload),
-                                                     QString::fromLatin1(wanted.function))) {
-        if (!has(loop, wanted.amounts.first()))
+    for (const instructions &loop :
+         innermostLoopsOf(source, QString::fromLatin1(wanted->function))) {
+        if (!has(loop, wanted->counts.front()))
             continue;
         ++found;
-        for (const amount &one : wanted.amounts) {
-            QVERIFY2(has(loop, one), qPrintable(QString::fromLatin1(one.mnemonics)
-                                                + QLatin1Char('\n') + textOf(loop)));
+        for (const instructionCount &one : wanted->counts) {
+            QVERIFY2(
+                !one.mnemonics || has(loop, one),
+                qPrintable(QString::fromLatin1(one.mnemonics) + QLatin1Char('\n') + textOf(loop)));
         }
     }
     QVERIFY2(found > 0, "the loop was not found");
@@ -268,25 +207,29 @@ void tst_machineCode::workIsKept()
 
 void tst_machineCode::nothingElseIsRead_data()
 {
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < readings.size(); ++i)
-        QTest::addRow("%s %s", readings[i].workload, readings[i].function) << i;
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<const machineReads *>("wanted");
+    for (const machineCode *code : expectedCode()) {
+        for (const machineReads &reads : code->reads)
+            QTest::addRow("%s %s", code->source, reads.function)
+                << QString::fromLatin1(code->source) << &reads;
+    }
 }
 
 void tst_machineCode::nothingElseIsRead()
 {
-    QFETCH(int, index);
-    const reading &wanted = readings[index];
+    QFETCH(QString, source);
+    QFETCH(const machineReads *, wanted);
     instructions largest;
-    for (const instructions &loop : innermostLoopsOf(QString::fromLatin1(wanted.workload),
-                                                     QString::fromLatin1(wanted.function))) {
+    for (const instructions &loop :
+         innermostLoopsOf(source, QString::fromLatin1(wanted->function))) {
         if (loop.size() > largest.size())
             largest = loop;
     }
     QVERIFY2(!largest.isEmpty(), "the loop was not found");
     const auto loads = std::count_if(largest.begin(), largest.end(), isLoad);
     const auto stores = std::count_if(largest.begin(), largest.end(), isStore);
-    QVERIFY2(stores > 0 && loads <= wanted.mostLoadsPerStore * stores,
+    QVERIFY2(stores > 0 && loads <= wanted->mostLoadsPerStore * stores,
              qPrintable(QStringLiteral("%1 loads, %2 stores\n").arg(loads).arg(stores)
                         + textOf(largest)));
 }

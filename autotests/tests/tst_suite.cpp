@@ -5,6 +5,9 @@
 #include "support/textLog.h"
 #include "tests/rounds.h"
 
+#include "tests/knownFrames.h"
+#include "tests/suiteFacts.h"
+
 #include <QtTest>
 
 #include <algorithm>
@@ -15,6 +18,9 @@ class tst_suite : public QObject
 
 private slots:
     void order();
+    void facts_data() { everyTest_data(); }
+    void facts();
+    void singleOnly();
     void printTargets();
     void everyTest_data();
     void failingAllocations_data() { everyTest_data(); }
@@ -25,37 +31,47 @@ private slots:
     void oddFrames();
 };
 
+/// Results are stored under these names and runs have this order, so both are written down twice.
 void tst_suite::order()
 {
-    const QStringList expected = {
-        QStringLiteral("rotozoom 'dithered'"),
-        QStringLiteral("rotozoom 'linear'"),
-        QStringLiteral("rotozoom 'linear (multicore)'"),
-        QStringLiteral("rotozoom 'last pixel'"),
-        QStringLiteral("rotozoom 'last pixel (multicore)'"),
-        QStringLiteral("mandel"),
-        QStringLiteral("mandel (multicore)"),
-        QStringLiteral("lines"),
-        QStringLiteral("motion blur"),
-        QStringLiteral("shellsort"),
-        QStringLiteral("rle compress/uncompress"),
-        QStringLiteral("zlib uncompress"),
-        QStringLiteral("colors "),
-        QStringLiteral("colors  (multicore)"),
-        QStringLiteral("crc32 bitwise"),
-        QStringLiteral("crc32 bitwise (multicore)"),
-        QStringLiteral("vertex"),
-        QStringLiteral("vertex (multicore)"),
-        QStringLiteral("rotozoom 'no'"),
-    };
-    const suite tests = makeSuite(nullptr);
+    QStringList knownNames;
+    for (const knownFrame &known : knownFrames())
+        knownNames << QString::fromUtf8(known.test);
+    knownNames.removeDuplicates();
     QStringList names;
-    for (const auto &test : tests) {
+    for (const auto &test : makeSuite(nullptr))
         names << test->getName();
-        QCOMPARE(test->isMulticore(), names.last().contains(QStringLiteral("(multicore)")));
-        QCOMPARE(test->isSingleOnly(), test == tests.back());
-    }
-    QCOMPARE(names, expected);
+    QVERIFY2(names == knownNames,
+             qPrintable(QStringLiteral("tests/knownFrames.cpp does not have the tests of "
+                                       "tests/suiteTable.h in their order:\n%1\n%2")
+                            .arg(knownNames.join(QLatin1Char('|')), names.join(QLatin1Char('|')))));
+}
+
+void tst_suite::facts()
+{
+    QFETCH(int, index);
+    const auto test = std::move(makeSuite(nullptr)[std::size_t(index)]);
+    const testFacts &facts = suiteFacts()[std::size_t(index)];
+    QCOMPARE(QString::fromUtf8(facts.name), test->getName());
+    QCOMPARE(QString::fromUtf8(facts.workload.unit), test->getUnit());
+    QCOMPARE(facts.isMulticore(), test->isMulticore());
+    QCOMPARE(facts.isMulticore(), test->getName().contains(QStringLiteral("(multicore)")));
+    QCOMPARE(!facts.isInFullRuns(), test->isSingleOnly());
+    QVERIFY(
+        QStringList({QStringLiteral("M"), QStringLiteral("K")}).contains(test->getUnit().left(1)));
+    // Two sentences, with the full stops that end them.
+    const QString description = QString::fromUtf8(facts.workload.description);
+    QCOMPARE(description.count(QStringLiteral(". ")) + 1, 2);
+    QVERIFY(description.endsWith(QLatin1Char('.')));
+    QVERIFY2(!facts.isInFullRuns() || facts.workload.demand.instructions > 0,
+             "the model of machines needs the demand of a test in full runs");
+}
+
+/// The test that is not part of a full run is the last one of the list.
+void tst_suite::singleOnly()
+{
+    for (const testFacts &facts : suiteFacts())
+        QCOMPARE(!facts.isInFullRuns(), QByteArray(facts.name) == "rotozoom 'no'");
 }
 
 /// The rotozoomers alone are handed the print hook.

@@ -7,6 +7,7 @@
 #include "tests/loopWatch.h"
 #include "tests/rotozoom.h"
 #include "tests/suite.h"
+#include "tests/suiteFacts.h"
 
 #include <QtTest>
 
@@ -146,39 +147,21 @@ void tst_threads::suite_data()
     QTest::addColumn<int>("index");
     QTest::addColumn<bool>("isParallel");
     QTest::addColumn<int>("schedule");
-    struct entry {
-        const char *name;
-        bool isParallel;
-        loopWatch::schedule schedule;
+    const auto kindOf = [](loopSchedule schedule) {
+        switch (schedule) {
+        case loopSchedule::fixed:
+            return loopWatch::fixed;
+        case loopSchedule::dynamic:
+            return loopWatch::dynamic;
+        case loopSchedule::none:
+            break;
+        }
+        return loopWatch::none;
     };
-    const entry entries[] = {
-        {"rotozoom 'dithered'", false, loopWatch::fixed},
-        {"rotozoom 'linear'", false, loopWatch::fixed},
-        {"rotozoom 'linear (multicore)'", true, loopWatch::fixed},
-        {"rotozoom 'last pixel'", false, loopWatch::fixed},
-        {"rotozoom 'last pixel (multicore)'", true, loopWatch::fixed},
-        {"mandel", false, loopWatch::dynamic},
-        {"mandel (multicore)", true, loopWatch::dynamic},
-        {"lines", false, loopWatch::none},
-        {"motion blur", false, loopWatch::none},
-        {"shellsort", false, loopWatch::none},
-        {"rle compress/uncompress", false, loopWatch::none},
-        {"zlib uncompress", false, loopWatch::none},
-        {"colors ", false, loopWatch::fixed},
-        {"colors  (multicore)", true, loopWatch::fixed},
-        {"crc32 bitwise", false, loopWatch::fixed},
-        {"crc32 bitwise (multicore)", true, loopWatch::fixed},
-        {"vertex", false, loopWatch::fixed},
-        {"vertex (multicore)", true, loopWatch::fixed},
-        {"rotozoom 'no'", false, loopWatch::fixed},
-    };
-    const auto tests = makeSuite(nullptr);
-    QCOMPARE(tests.size(), std::size(entries));
-    for (std::size_t i = 0; i < tests.size(); ++i) {
-        QCOMPARE(tests[i]->getName(), QString::fromLatin1(entries[i].name));
-        QTest::newRow(entries[i].name)
-            << int(i) << entries[i].isParallel << int(entries[i].schedule);
-    }
+    int index = 0;
+    for (const testFacts &test : suiteFacts())
+        QTest::newRow(test.name) << index++ << test.isMulticore()
+                                 << int(kindOf(test.workload.schedule));
 }
 
 void tst_threads::suite()

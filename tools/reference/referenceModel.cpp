@@ -46,23 +46,15 @@ double allCoreMhz(const machine &m, const core &big)
 }
 
 /// Results per second that @p on reaches at @p mhz if memory never makes it wait.
-double coreRate(const workload &work, const core &on, double mhz)
+double coreRate(const workloadFacts &work, const core &on, double mhz)
 {
-    return mhz * million / (cyclesPerUnit(work, on) * work.unitsPerResult);
+    return mhz * million / (cyclesPerUnit(work.demand, on) * unitsPerResult(work));
 }
 
 double coresBound(const modelledTest &test, const machine &m, const tables &facts)
 {
     const double one = coreRate(*test.work, facts.cores.value(m.coreName), m.boostMhz);
     return test.multicore ? one * coreWorth(*test.work, m, facts) : one;
-}
-
-const workload &workloadNamed(const char *name)
-{
-    const QVector<workload> &all = workloads();
-    return *std::find_if(all.begin(), all.end(), [name](const workload &work) {
-        return QLatin1String(work.name) == QLatin1String(name);
-    });
 }
 
 /// The test of the same workload on one core.
@@ -78,55 +70,25 @@ int singleCoreTwin(int multicoreTest)
 
 } // namespace
 
-const QVector<workload> &workloads()
-{
-    // Instructions, loads and branch misses were counted, see docs/reference-model.md.
-    static const QVector<workload> all = {
-        {"dithered", million, 22, 3, 0, 0, 1, 0, 0, 0, 0, 8},
-        {"linear", million, 103, 9, 0, 0, 1, 0, 0, 0, 0, 8},
-        {"last pixel", million, 45, 2, 0, 0, 1, 0, 0, 0, 0, 8},
-        {"mandel", million, 509, 42.8, 20.26, 40.52, 0, 20.26, 0, 0.45, 0, 8},
-        {"lines", thousand, 23300, 1434, 0, 0, 0, 0, 0, 166, 0, 98200},
-        {"motion blur", million, 86.9, 5, 0, 0, 21, 0, 0, 0, 0, 8},
-        {"shellsort", million, 9036, 716, 0, 0, 0, 0, 0, 7.1, 0, 0},
-        {"rle", million, 11.05, 1.29, 0, 0, 0, 0, 0, 0.064, 4.88e-4, 13.5},
-        {"zlib", million, 68.1, 21.4, 0, 0, 0, 0, 0, 0.353, 2.44e-3, 46},
-        {"colors", million, 87.1, 3, 0, 0, 0, 0, 4, 0.006, 0, 8},
-        {"crc32", million, 184, 4, 0, 0, 88, 0, 0, 0, 0, 4},
-        {"vertex", million, 100, 40, 0, 0, 0, 0, 0, 0, 0, 32},
-    };
-    return all;
-}
-
 const QVector<modelledTest> &modelledTests()
 {
-    const auto test = [](const char *name, const char *work, bool multicore) {
-        return modelledTest{QString::fromLatin1(name), &workloadNamed(work), multicore};
-    };
-    static const QVector<modelledTest> all = {
-        test("rotozoom 'dithered'", "dithered", false),
-        test("rotozoom 'linear'", "linear", false),
-        test("rotozoom 'linear (multicore)'", "linear", true),
-        test("rotozoom 'last pixel'", "last pixel", false),
-        test("rotozoom 'last pixel (multicore)'", "last pixel", true),
-        test("mandel", "mandel", false),
-        test("mandel (multicore)", "mandel", true),
-        test("lines", "lines", false),
-        test("motion blur", "motion blur", false),
-        test("shellsort", "shellsort", false),
-        test("rle compress/uncompress", "rle", false),
-        test("zlib uncompress", "zlib", false),
-        test("colors ", "colors", false),
-        test("colors  (multicore)", "colors", true),
-        test("crc32 bitwise", "crc32", false),
-        test("crc32 bitwise (multicore)", "crc32", true),
-        test("vertex", "vertex", false),
-        test("vertex (multicore)", "vertex", true),
-    };
+    static const QVector<modelledTest> all = [] {
+        QVector<modelledTest> tests;
+        for (const testFacts &test : suiteFacts()) {
+            if (test.isInFullRuns())
+                tests.append({QString::fromUtf8(test.name), &test.workload, test.isMulticore()});
+        }
+        return tests;
+    }();
     return all;
 }
 
-double cyclesPerUnit(const workload &work, const core &on)
+double unitsPerResult(const workloadFacts &work)
+{
+    return work.unit[0] == 'K' ? thousand : million;
+}
+
+double cyclesPerUnit(const workloadDemand &work, const core &on)
 {
     const double issue = work.instructions / (sustainedInstructions * on.integerRate);
     const double chain = work.chainMultiplications * on.multiplyLatency
@@ -140,7 +102,7 @@ double cyclesPerUnit(const workload &work, const core &on)
            + work.newPages * cyclesPerNewPage;
 }
 
-double coreWorth(const workload &work, const machine &m, const tables &facts)
+double coreWorth(const workloadFacts &work, const machine &m, const tables &facts)
 {
     const core big = facts.cores.value(m.coreName);
     const double alone = coreRate(work, big, m.boostMhz);
@@ -160,12 +122,12 @@ double coreWorth(const workload &work, const machine &m, const tables &facts)
 
 double memoryBound(const modelledTest &test, const machine &m, const tables &facts)
 {
-    if (!(test.work->bytes > 0))
+    if (!(test.work->demand.bytes > 0))
         return 1e30;
     const double one = facts.cores.value(m.coreName).streamShare * m.bandwidth;
     const double all = std::max(one, std::min(one * m.cores, reachableBandwidth * m.bandwidth));
     const double bytesPerSecond = (test.multicore ? all : one) * 1e9;
-    return bytesPerSecond / (test.work->bytes * test.work->unitsPerResult);
+    return bytesPerSecond / (test.work->demand.bytes * unitsPerResult(*test.work));
 }
 
 double modelled(const modelledTest &test, const machine &m, const tables &facts)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/suiteFacts.h"
 #include "tools/reference/referenceTables.h"
 
 #include <QString>
@@ -12,44 +13,24 @@
 namespace reference
 {
 
-/// What a workload asks of a machine, for one unit of its result: a pixel, a line, a word, a
-/// vertex.
-struct workload {
-    const char *name;
-    /// How many units a result of 1 stands for: a million, or a thousand lines.
-    double unitsPerResult;
-    double instructions;
-    double loads;
-    /// The longest chain of operations that wait for each other: multiplications, additions, and
-    /// cycles of integer operations, which take as long on all cores.
-    double chainMultiplications;
-    double chainAdditions;
-    double chainCycles;
-    double divisions;
-    double roots;
-    double branchMisses;
-    /// Pages of memory that are touched for the first time.
-    double newPages;
-    /// Bytes moved between memory and the caches.
-    double bytes;
-};
-
 /// A test of a full run.
 struct modelledTest {
     QString name;
-    const workload *work;
+    const workloadFacts *work;
     bool multicore;
 };
 
-const QVector<workload> &workloads();
 /// The tests of a full run in the order of the suite.
 const QVector<modelledTest> &modelledTests();
 
+/// How many units of its workload a result of 1 stands for: a million, or a thousand.
+double unitsPerResult(const workloadFacts &work);
+
 /// The cycles that one unit keeps a core busy if memory never makes it wait.
-double cyclesPerUnit(const workload &work, const core &on);
+double cyclesPerUnit(const workloadDemand &work, const core &on);
 
 /// How many of its own big cores, alone and at their boost clock, all cores of @p m are worth.
-double coreWorth(const workload &work, const machine &m, const tables &facts);
+double coreWorth(const workloadFacts &work, const machine &m, const tables &facts);
 
 /// The result that @p m could not exceed if memory alone were the limit.
 double memoryBound(const modelledTest &test, const machine &m, const tables &facts);

@@ -44,7 +44,7 @@ QColor colourOf(int family)
 /// Throughput of one core at 1 GHz, memory left aside.
 double perGigahertz(const modelledTest &test, const core &on, double factor)
 {
-    return factor * 1e9 / (cyclesPerUnit(*test.work, on) * test.work->unitsPerResult);
+    return factor * 1e9 / (cyclesPerUnit(test.work->demand, on) * unitsPerResult(*test.work));
 }
 
 /// Where a value and a year stand in one panel.

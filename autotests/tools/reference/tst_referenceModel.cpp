@@ -183,8 +183,8 @@ void tst_referenceModel::boundsOfACore()
 {
     QFETCH(QVector<double>, work);
     const core c = {QString(), 2000, QStringLiteral("x86-64"), 0.5, 4, 5, 11, 9, 2, 13, 1, 1};
-    const workload asked = {"",         1e6,        work.at(0), work.at(1), work.at(2), work.at(3),
-                            work.at(4), work.at(5), work.at(6), work.at(7), work.at(8), 0};
+    const workloadDemand asked = {work.at(0), work.at(1), work.at(2), work.at(3), work.at(4),
+                                  work.at(5), work.at(6), work.at(7), work.at(8), 0};
     QTEST(cyclesPerUnit(asked, c), "cycles");
 }
 
@@ -193,8 +193,8 @@ void tst_referenceModel::worthOfCores_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("work");
     QTest::addColumn<double>("worth");
-    const QString crc = QStringLiteral("crc32");
-    const QString dithered = QStringLiteral("dithered");
+    const QString crc = QStringLiteral("crc32 bitwise");
+    const QString dithered = QStringLiteral("rotozoom 'dithered'");
     QTest::newRow("no boost") << "Core 2 Quad Q6600" << crc << 4.0;
     QTest::newRow("boost") << "Core i5-2500K" << crc << 4 * 3620.0 / 3700;
     QTest::newRow("two threads a core") << "Core i7-2600K" << crc << 4 * 1.22 * 3720 / 3800;
@@ -217,11 +217,11 @@ void tst_referenceModel::worthOfCores()
     QFETCH(QString, name);
     QFETCH(QString, work);
     QFETCH(double, worth);
-    const auto *const asked =
-        std::find_if(workloads().begin(), workloads().end(),
-                     [&work](const workload &w) { return work == QLatin1String(w.name); });
+    const auto asked =
+        std::find_if(modelledTests().begin(), modelledTests().end(),
+                     [&work](const modelledTest &test) { return work == test.name; });
     const machine &m = machineNamed(name.toLatin1().constData());
-    const double found = coreWorth(*asked, m, facts);
+    const double found = coreWorth(*asked->work, m, facts);
     QVERIFY2(std::abs(found - worth) < 1e-9, qPrintable(QString::number(found)));
 }
 
