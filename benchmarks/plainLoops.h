@@ -21,15 +21,9 @@ namespace plainLoops
 constexpr int width = 3820;
 constexpr int height = 2160;
 
-plainLoop rotozoom(texelRule rule, bool multicore);
-plainLoop mandel(keeping kept, bool multicore);
-plainLoop lines();
-plainLoop motionBlur();
+plainLoop mandel(keeping kept);
 plainLoop shellSort(keeping kept);
-plainLoop rle();
 plainLoop zlib(keeping kept);
-plainLoop colors(keeping kept, bool multicore);
-plainLoop crc32(bool multicore);
-plainLoop vertex(bool multicore);
+plainLoop colors(keeping kept);
 
 } // namespace plainLoops

@@ -46,12 +46,11 @@ void renderMandelRow(std::uint32_t *row, int width, int height, int y,
 } // namespace
 
 void standaloneMandel(std::uint32_t *frame, int width, int height, const std::int32_t (*palette)[4],
-                      keeping kept, bool multicore)
+                      keeping kept)
 {
     const auto zero = static_cast<float>(unknownZero);
     const auto renderRow =
         kept == keeping::nothing ? renderMandelRow<false> : renderMandelRow<true>;
-#pragma omp parallel for schedule(dynamic, 1) if (multicore)
     for (int y = 0; y < height; ++y) {
         renderRow(frame + static_cast<std::int64_t>(y) * width, width, height, y, palette, zero);
     }
