@@ -7,10 +7,10 @@ matrix4 product(const matrix4 &a, const matrix4 &b)
 {
     matrix4 result = {};
     for (std::size_t k = 0; k < 4; ++k) {
-        result[k] = {dot(a[k], {b[0].x, b[1].x, b[2].x, b[3].x}),
-                     dot(a[k], {b[0].y, b[1].y, b[2].y, b[3].y}),
-                     dot(a[k], {b[0].z, b[1].z, b[2].z, b[3].z}),
-                     dot(a[k], {b[0].w, b[1].w, b[2].w, b[3].w})};
+        result[k] = {dotProduct(a[k], {b[0].x, b[1].x, b[2].x, b[3].x}),
+                     dotProduct(a[k], {b[0].y, b[1].y, b[2].y, b[3].y}),
+                     dotProduct(a[k], {b[0].z, b[1].z, b[2].z, b[3].z}),
+                     dotProduct(a[k], {b[0].w, b[1].w, b[2].w, b[3].w})};
     }
     return result;
 }

@@ -13,7 +13,7 @@ struct vector4 {
 /// Four rows; component k of a product with a vector is row k times the vector.
 using matrix4 = std::array<vector4, 4>;
 
-inline float dot(const vector4 &a, const vector4 &b)
+inline float dotProduct(const vector4 &a, const vector4 &b)
 {
     return a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/motionBlur.h"
 
-#include "tests/dot.h"
+#include "tests/stampDot.h"
 #include "tests/pixel.h"
 #include "tests/truncate.h"
 

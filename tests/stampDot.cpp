@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/dot.h"
+#include "tests/stampDot.h"
 
-void stampDot(const testBase &test, quint32 x, quint32 y, quint32 colour)
+void stampDot(testBase &test, quint32 x, quint32 y, quint32 colour)
 {
     const auto width = static_cast<quint32>(test.getWidth());
     const auto height = static_cast<quint32>(test.getHeight());

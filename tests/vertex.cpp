@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/vertex.h"
 
-#include "tests/dot.h"
+#include "tests/stampDot.h"
 #include "tests/pixel.h"
 #include "tests/truncate.h"
 
@@ -71,12 +71,12 @@ void transformCopy(vector4 *out, const vector4 *points, int count, const vertex:
 {
     for (int j = 0; j < count; ++j) {
         const vector4 p = points[j];
-        const vector4 q = {(dot(by.rotation[0], p) + by.translation.x) * scale.x,
-                           (dot(by.rotation[1], p) + by.translation.y) * scale.y,
-                           (dot(by.rotation[2], p) + by.translation.z) * scale.z,
-                           (dot(by.rotation[3], p) + by.translation.w) * scale.w};
-        out[j] = {dot(by.projection[0], q), dot(by.projection[1], q), dot(by.projection[2], q),
-                  dot(by.projection[3], q)};
+        const vector4 q = {(dotProduct(by.rotation[0], p) + by.translation.x) * scale.x,
+                           (dotProduct(by.rotation[1], p) + by.translation.y) * scale.y,
+                           (dotProduct(by.rotation[2], p) + by.translation.z) * scale.z,
+                           (dotProduct(by.rotation[3], p) + by.translation.w) * scale.w};
+        out[j] = {dotProduct(by.projection[0], q), dotProduct(by.projection[1], q), dotProduct(by.projection[2], q),
+                  dotProduct(by.projection[3], q)};
     }
 }
 

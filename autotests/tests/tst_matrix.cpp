@@ -41,7 +41,7 @@ private slots:
 
 void tst_matrix::dotProduct()
 {
-    QCOMPARE(dot({1, 2, 3, 4}, {5, 70, 900, 11000}), 46845.0F);
+    QCOMPARE(::dotProduct({1, 2, 3, 4}, {5, 70, 900, 11000}), 46845.0F);
 }
 
 void tst_matrix::products()
