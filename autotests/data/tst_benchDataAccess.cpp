@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchDataAccess.h"
 
+#include "data/referenceFixture.h"
 #include "support/dataDirectory.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
@@ -8,81 +9,6 @@
 #include <QBuffer>
 #include <QProcess>
 #include <QtTest>
-
-namespace
-{
-
-const QString dbFile = QStringLiteral("db.xml");
-const QString versionFile = QStringLiteral("db_version");
-
-const QString noOnline = QStringLiteral("No online database found\n");
-const QString useBuiltIn = QStringLiteral("Use internal benchmark DB\n");
-const QString useLocal = QStringLiteral("Use local benchmark DB\n");
-
-QByteArray listOf(const QByteArray &name)
-{
-    return "<Fennick><bench machineName=\"" + name + "\" os=\"linux\"/></Fennick>";
-}
-
-/// An online database that answers as it is told and writes down the requests.
-class fakeOnline : public onlineDatabase
-{
-public:
-    explicit fakeOnline(QVector<int> *requestLog) : requests(requestLog) {}
-
-    bool request(int requested, QByteArray &data) override
-    {
-        requests->append(requested);
-        if (!replies.contains(requested))
-            return false;
-        data = replies.value(requested);
-        return true;
-    }
-
-    QMap<int, QByteArray> replies;
-
-private:
-    QVector<int> *requests;
-};
-
-/// A data access with a log and a fake online database.
-struct fixture {
-    fixture()
-    {
-        auto database = std::make_unique<fakeOnline>(&requests);
-        online = database.get();
-        data = std::make_unique<benchDataAccess>(&log, QVector<testBase *>(), std::move(database));
-    }
-
-    QStringList names() const
-    {
-        QStringList list;
-        for (const benchResults &machine : data->getResults())
-            list.append(machine.getName());
-        return list;
-    }
-
-    textLog log;
-    QVector<int> requests;
-    fakeOnline *online = nullptr;
-    std::unique_ptr<benchDataAccess> data;
-};
-
-QString found(int devices, int unique)
-{
-    return QStringLiteral("Found %1 devices (%2 unique)\n")
-        .arg(QString::number(devices), QString::number(unique));
-}
-
-QString foundBuiltIn()
-{
-    textLog log;
-    benchDataAccess data(&log, {});
-    data.loadReferenceData(benchDataAccess::builtInReference);
-    return log.text.mid(useBuiltIn.size());
-}
-
-} // namespace
 
 class tst_benchDataAccess : public QObject
 {
@@ -97,21 +23,9 @@ private slots:
     void localList();
     void unreadableLocalList();
     void builtInIgnoresLocalList();
-    void onlineIsNewer();
-    void onlineIsNotNewer_data();
-    void onlineIsNotNewer();
-    void strangeVersions_data();
-    void strangeVersions();
-    void failedDownloadUsesBuiltIn();
-    void downloadWithoutMachines_data();
-    void downloadWithoutMachines();
-    void versionIsWrittenAfterTheList();
     void problems_data();
     void problems();
     void problemsOfTheLatestLoad();
-    void beta();
-    void failedBeta();
-    void betaIsReplacedByAnyVersion();
     void localVersions_data();
     void localVersions();
     void noDirectory();
@@ -127,7 +41,7 @@ private:
 
 void tst_benchDataAccess::builtIn()
 {
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::builtInReference);
     QCOMPARE(a.data->getResults().size(), 167);
     QCOMPARE(a.log.text, useBuiltIn + found(167, 151));
@@ -150,7 +64,7 @@ void tst_benchDataAccess::noDatabase()
 void tst_benchDataAccess::localList()
 {
     QVERIFY(directory->write(dbFile, listOf("Local")));
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::normalReference);
     QCOMPARE(a.log.text, noOnline + useLocal + found(1, 1));
     QCOMPARE(a.names(), QStringList(QStringLiteral("Local")));
@@ -159,7 +73,7 @@ void tst_benchDataAccess::localList()
 void tst_benchDataAccess::unreadableLocalList()
 {
     QVERIFY(directory->write(dbFile, "garbage"));
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::normalReference);
     QCOMPARE(a.log.text, noOnline + useLocal + found(0, 0));
 }
@@ -167,122 +81,9 @@ void tst_benchDataAccess::unreadableLocalList()
 void tst_benchDataAccess::builtInIgnoresLocalList()
 {
     QVERIFY(directory->write(dbFile, listOf("Local")));
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::builtInReference);
     QCOMPARE(a.log.text, useBuiltIn + foundBuiltIn());
-}
-
-void tst_benchDataAccess::onlineIsNewer()
-{
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, "1011"},
-                         {onlineDatabase::reference, listOf("Online")}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QCOMPARE(a.log.text, QStringLiteral("Online database has version 1011 (local 1010)\n"
-                                        "Update DB successfully\n")
-                             + useLocal + found(1, 1));
-    QCOMPARE(a.names(), QStringList(QStringLiteral("Online")));
-    QCOMPARE(a.requests, QVector<int>({0, 1}));
-    QCOMPARE(directory->read(dbFile), listOf("Online"));
-    QCOMPARE(directory->read(versionFile), QByteArray("1011"));
-}
-
-void tst_benchDataAccess::onlineIsNotNewer_data()
-{
-    QTest::addColumn<QByteArray>("online");
-    QTest::newRow("same") << QByteArray("1500");
-    QTest::newRow("older") << QByteArray("1499");
-}
-
-void tst_benchDataAccess::onlineIsNotNewer()
-{
-    QFETCH(QByteArray, online);
-    QVERIFY(directory->write(dbFile, listOf("Local")));
-    QVERIFY(directory->write(versionFile, "1500"));
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, online},
-                         {onlineDatabase::reference, listOf("Online")}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QCOMPARE(a.log.text, QStringLiteral("Online database has version %1 (local 1500)\n")
-                                 .arg(QString::fromLatin1(online))
-                             + useLocal + found(1, 1));
-    QCOMPARE(a.requests, QVector<int>({0}));
-}
-
-void tst_benchDataAccess::strangeVersions_data()
-{
-    QTest::addColumn<QByteArray>("online");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("text") << QByteArray("<html>") << QStringLiteral("0");
-    QTest::newRow("negative") << QByteArray("-5") << QStringLiteral("0");
-    QTest::newRow("2^32") << QByteArray("4294967296") << QStringLiteral("0");
-}
-
-void tst_benchDataAccess::strangeVersions()
-{
-    QFETCH(QByteArray, online);
-    QFETCH(QString, shown);
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, online}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QVERIFY(a.log.text.startsWith(
-        QStringLiteral("Online database has version %1 (local 1010)\n").arg(shown)));
-    QCOMPARE(a.requests, QVector<int>({0}));
-}
-
-void tst_benchDataAccess::failedDownloadUsesBuiltIn()
-{
-    QVERIFY(directory->write(dbFile, listOf("Local")));
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, "2000"}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QCOMPARE(a.log.text, QStringLiteral("Online database has version 2000 (local 1010)\n")
-                             + useBuiltIn + foundBuiltIn());
-    QCOMPARE(directory->read(dbFile), listOf("Local"));
-}
-
-void tst_benchDataAccess::downloadWithoutMachines_data()
-{
-    QTest::addColumn<QByteArray>("list");
-    QTest::newRow("no machine") << QByteArray("<Fennick/>");
-    QTest::newRow("machine without attributes") << QByteArray("<Fennick><bench/></Fennick>");
-    QTest::newRow("fault before the first") << QByteArray("<Fennick></bench><bench os='o'/>");
-    QTest::newRow("another page") << QByteArray(
-        "<html><body class='x'>Please log in</body></html>");
-}
-
-void tst_benchDataAccess::downloadWithoutMachines()
-{
-    QFETCH(QByteArray, list);
-    QVERIFY(directory->write(dbFile, listOf("Local")));
-    QVERIFY(directory->write(versionFile, "1500"));
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, "2000"},
-                         {onlineDatabase::reference, list},
-                         {onlineDatabase::betaReference, list}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QCOMPARE(a.log.text, QStringLiteral("Online database has version 2000 (local 1500)\n")
-                             + useBuiltIn + foundBuiltIn());
-    a.log.text.clear();
-    a.data->loadReferenceData(benchDataAccess::betaReference);
-    QCOMPARE(a.log.text, useBuiltIn + foundBuiltIn());
-    QCOMPARE(directory->read(dbFile), listOf("Local"));
-    QCOMPARE(directory->read(versionFile), QByteArray("1500"));
-    QVERIFY(a.data->getLoadProblems().isEmpty());
-}
-
-/// A version that stood for a list that could not be written would keep the next start from asking
-/// for it.
-void tst_benchDataAccess::versionIsWrittenAfterTheList()
-{
-    QVERIFY(QDir().mkpath(directory->path(dbFile)));
-    QVERIFY(directory->write(versionFile, "1500"));
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, "2000"},
-                         {onlineDatabase::reference, listOf("Online")}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QVERIFY(a.log.text.endsWith(useBuiltIn + foundBuiltIn()));
-    QCOMPARE(directory->read(versionFile), QByteArray("1500"));
 }
 
 void tst_benchDataAccess::problems_data()
@@ -309,7 +110,7 @@ void tst_benchDataAccess::problems()
     QFETCH(int, machines);
     QFETCH(QString, problem);
     QVERIFY(directory->write(dbFile, list));
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::normalReference);
     QCOMPARE(a.log.text, noOnline + useLocal + found(machines, machines));
     const QStringList expected =
@@ -322,7 +123,7 @@ void tst_benchDataAccess::problemsOfTheLatestLoad()
     const QString userFile = QStringLiteral("user_data.xml");
     QVERIFY(directory->write(dbFile, "<F></G>"));
     QVERIFY(directory->write(userFile, "<F>\n<bench os='o'/>\n"));
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::normalReference);
     a.data->loadUserData();
     const QStringList expected = {
@@ -342,40 +143,6 @@ void tst_benchDataAccess::problemsOfTheLatestLoad()
              qPrintable(a.data->getLoadProblems().first()));
 }
 
-void tst_benchDataAccess::beta()
-{
-    fixture a;
-    a.online->replies = {{onlineDatabase::betaReference, listOf("Beta")}};
-    a.data->loadReferenceData(benchDataAccess::betaReference);
-    QCOMPARE(a.log.text,
-             QStringLiteral("Update DB successfully (BETA)\n") + useLocal + found(1, 1));
-    QCOMPARE(a.names(), QStringList(QStringLiteral("Beta")));
-    QCOMPARE(a.requests, QVector<int>({2}));
-    QCOMPARE(directory->read(versionFile), QByteArray("0"));
-}
-
-void tst_benchDataAccess::failedBeta()
-{
-    QVERIFY(directory->write(dbFile, listOf("Local")));
-    fixture a;
-    a.data->loadReferenceData(benchDataAccess::betaReference);
-    QCOMPARE(a.log.text, useBuiltIn + foundBuiltIn());
-    QVERIFY(directory->read(versionFile).isNull());
-}
-
-void tst_benchDataAccess::betaIsReplacedByAnyVersion()
-{
-    QVERIFY(directory->write(dbFile, listOf("Beta")));
-    QVERIFY(directory->write(versionFile, "0"));
-    fixture a;
-    a.online->replies = {{onlineDatabase::referenceVersion, "1"},
-                         {onlineDatabase::reference, listOf("Online")}};
-    a.data->loadReferenceData(benchDataAccess::normalReference);
-    QVERIFY(a.log.text.startsWith(
-        QStringLiteral("Online database has version 1 (local BETA)\nUpdate DB successfully\n")));
-    QCOMPARE(directory->read(versionFile), QByteArray("1"));
-}
-
 void tst_benchDataAccess::localVersions_data()
 {
     QTest::addColumn<QByteArray>("content");
@@ -393,7 +160,7 @@ void tst_benchDataAccess::localVersions()
     QFETCH(QByteArray, content);
     if (!content.isNull())
         QVERIFY(directory->write(versionFile, content));
-    fixture a;
+    referenceFixture a;
     QTEST(a.data->localVersion(), "version");
 }
 
@@ -405,7 +172,7 @@ void tst_benchDataAccess::noDirectory()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.close();
     qputenv("XDG_DATA_HOME", QFile::encodeName(file.fileName()));
-    fixture a;
+    referenceFixture a;
     bool ok = true;
     a.data->userDataDirectory(ok);
     QVERIFY(!ok);
@@ -420,7 +187,7 @@ void tst_benchDataAccess::noDirectory()
 
 void tst_benchDataAccess::reloadClears()
 {
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::builtInReference);
     const QStringList names = a.names();
     a.data->loadUserData();
@@ -433,14 +200,14 @@ void tst_benchDataAccess::uniqueDevices()
 {
     QVERIFY(directory->write(dbFile, "<r><bench machineName='PC'/><bench machineName='pc'/>"
                                      "<bench machineName='pc2'/></r>"));
-    fixture a;
+    referenceFixture a;
     a.data->loadReferenceData(benchDataAccess::normalReference);
     QVERIFY(a.log.text.endsWith(found(3, 2)));
 }
 
 void tst_benchDataAccess::unopenedDevice()
 {
-    fixture a;
+    referenceFixture a;
     QFile missing(directory->path(QStringLiteral("missing.xml")));
     a.data->parseXml(missing);
     QVERIFY(a.names().isEmpty());

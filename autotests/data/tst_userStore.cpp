@@ -1,127 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchDataAccess.h"
-#include "engine/benchBase.h"
 
+#include "data/userStoreFixture.h"
 #include "support/dataDirectory.h"
-#include "support/fakeTest.h"
-#include "support/textLog.h"
 
 #include <QtTest>
 
 #include <cmath>
-#include <csignal>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-namespace
-{
-
-const QString userFile = QStringLiteral("user_data.xml");
-const QString foundNone = QStringLiteral("Found no local user benchmark data\n");
-const QString foundSome = QStringLiteral("Found local user benchmark data\n");
-const QString stored = QStringLiteral("Store userdata\n");
-const QString notWritable = QStringLiteral("Can't store userdata (not writable)\n");
-const QString removed = QStringLiteral("Remove user benchmark data\n");
-
-/// A runner with three fakes, the last of which a full run leaves out.
-struct fixture {
-    fixture()
-    {
-        suite tests;
-        for (const char *name : {"mandel", "colors ", "hidden"})
-            tests.push_back(std::make_unique<fakeTest>(QString::fromLatin1(name), nullptr));
-        tests.back()->setSingleOnly(true);
-        runner = std::make_unique<benchBase>(&log, nullptr, nullptr, std::move(tests));
-        load();
-    }
-
-    void load()
-    {
-        runner->loadReferenceData(benchDataAccess::builtInReference);
-        referenceCount = runner->getResults().size();
-        log.text.clear();
-        runner->loadUserData();
-    }
-    QString logOfLoad()
-    {
-        load();
-        return log.text;
-    }
-    QString logOf(void (benchDataAccess::*operation)())
-    {
-        log.text.clear();
-        (runner.get()->*operation)();
-        return log.text;
-    }
-    QString logOf(bool (benchDataAccess::*operation)())
-    {
-        log.text.clear();
-        wasDone = (runner.get()->*operation)();
-        return log.text;
-    }
-    /// Lets a test of the suite have a result of its own.
-    void record(int index)
-    {
-        auto *test = static_cast<fakeTest *>(runner->getTests().at(index));
-        test->onRun = [] { QTest::qSleep(2); };
-        runner->setTestTime(1);
-        runner->runTest(test, QSize(3820, 2160), true);
-    }
-    const benchResults &own() const { return runner->getResults().last(); }
-    float result(const char *test) const
-    {
-        return own().getTests().value(QString::fromLatin1(test), benchResults::test(-1)).value;
-    }
-
-    textLog log;
-    std::unique_ptr<benchBase> runner;
-    int referenceCount = 0;
-    bool wasDone = false;
-};
-
-/// Acts as a user who is not the administrator, to whom permissions apply, while it lives.
-class ordinaryUser
-{
-public:
-    ordinaryUser() : wasRoot(geteuid() == 0)
-    {
-        if (wasRoot && seteuid(65534) != 0)
-            qFatal("cannot become another user");
-    }
-    ordinaryUser(const ordinaryUser &) = delete;
-    ordinaryUser &operator=(const ordinaryUser &) = delete;
-    ~ordinaryUser()
-    {
-        if (wasRoot && seteuid(0) != 0)
-            qFatal("cannot become root again");
-    }
-
-private:
-    bool wasRoot;
-};
-
-/// Lets files grow to a few bytes only, as on a full disk, while it lives.
-class fullDisk
-{
-public:
-    fullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        rlimit small = before;
-        small.rlim_cur = 64;
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    fullDisk(const fullDisk &) = delete;
-    fullDisk &operator=(const fullDisk &) = delete;
-    ~fullDisk() { setrlimit(RLIMIT_FSIZE, &before); }
-
-private:
-    rlimit before{};
-};
-
-} // namespace
 
 class tst_userStore : public QObject
 {
@@ -136,18 +21,8 @@ private slots:
     void survivesARestart();
     void nameThatIsNotPlain();
     void storedMachineIsKept();
-    void unreadableFile_data();
-    void unreadableFile();
-    void directoryInPlaceOfTheFile();
     void severalMachines();
-    void absurdValues_data();
-    void absurdValues();
-    void cutOffFileKeepsWhatItHas();
     void removedTwice();
-    void noDirectory();
-    void noHome();
-    void readOnlyDirectory();
-    void fullDiskKeepsTheFile();
     void nothingLoaded();
 
 private:
@@ -156,7 +31,7 @@ private:
 
 void tst_userStore::firstStart()
 {
-    fixture f;
+    userStoreFixture f;
     QCOMPARE(f.log.text, foundNone);
     QCOMPARE(f.runner->getResults().size(), f.referenceCount + 1);
     QCOMPARE(f.own().getTests().keys(),
@@ -175,7 +50,7 @@ void tst_userStore::fileIsExact()
                                "<test name=\"hidden\" result=\"3\"/>"
                                "<test name=\"old test\" result=\"1234567\"/>"
                                "<test name=\"colors \" result=\"0\"/></bench></F>");
-    fixture f;
+    userStoreFixture f;
     QCOMPARE(f.log.text, foundSome);
     QCOMPARE(f.logOf(&benchDataAccess::storeUserData), stored);
     QVERIFY(f.wasDone);
@@ -196,7 +71,7 @@ void tst_userStore::fileIsExact()
 
 void tst_userStore::survivesARestart()
 {
-    fixture f;
+    userStoreFixture f;
     QCOMPARE(f.logOf(&benchDataAccess::storeUserData), stored);
     const QByteArray zeros = directory->read(userFile);
     QVERIFY(zeros.contains("<test name=\"colors \" result=\"0\"/>"));
@@ -211,7 +86,7 @@ void tst_userStore::survivesARestart()
     f.runner->storeUserData();
     QVERIFY(!directory->read(userFile).contains("hidden"));
 
-    fixture again;
+    userStoreFixture again;
     QCOMPARE(again.log.text, foundSome);
     QCOMPARE(again.runner->getResults().size(), again.referenceCount + 1);
     QVERIFY(std::abs(again.result("mandel") - result) <= result * 1e-5F);
@@ -228,19 +103,19 @@ void tst_userStore::nameThatIsNotPlain()
     const QString name = QString::fromUtf8("<Ü> \"50%1\"\n\t&amp; \xF0\x9F\x90\xA7 %n");
     qputenv("COMPUTERNAME", name.toLocal8Bit());
     {
-        fixture f;
+        userStoreFixture f;
         f.runner->storeUserData();
     }
-    QCOMPARE(fixture().own().getName(), name);
+    QCOMPARE(userStoreFixture().own().getName(), name);
     // A character that no XML can hold must not cost the results.
     directory->write(userFile, {});
     qputenv("COMPUTERNAME", "bell\a\x1B end");
     {
-        fixture f;
+        userStoreFixture f;
         f.runner->storeUserData();
     }
     qunsetenv("COMPUTERNAME");
-    QCOMPARE(fixture().own().getName(), QStringLiteral("bell\uFFFD\uFFFD end"));
+    QCOMPARE(userStoreFixture().own().getName(), QStringLiteral("bell\uFFFD\uFFFD end"));
 }
 
 void tst_userStore::storedMachineIsKept()
@@ -248,7 +123,7 @@ void tst_userStore::storedMachineIsKept()
     // The file says who the machine was when it was measured.
     directory->write(userFile, "<F><bench machineName=\"OLD\" os=\"android\" cpu=\"c\" clock=\"1\" "
                                "threadCount=\"3\"/></F>");
-    fixture f;
+    userStoreFixture f;
     QCOMPARE(f.own().getName(), QStringLiteral("OLD"));
     QCOMPARE(f.own().getOs(), QStringLiteral("android"));
     // A result is only recorded for a test that has an entry.
@@ -257,51 +132,12 @@ void tst_userStore::storedMachineIsKept()
     QVERIFY(f.own().getTests().isEmpty());
 }
 
-void tst_userStore::unreadableFile_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("cut off") << QByteArray("<?xml version=\"1.0\"?><Fennick><bench machineNa");
-    QTest::newRow("no XML") << QByteArray("%PDF-1.4 \0\xFF\xFE", 12);
-    QTest::newRow("no machine") << QByteArray("<Fennick><test name=\"mandel\" result=\"1\"/>"
-                                              "</Fennick>");
-}
-
-void tst_userStore::unreadableFile()
-{
-    QFETCH(QByteArray, content);
-    directory->write(userFile, content);
-    fixture f;
-    const QString cannot =
-        QStringLiteral("They cannot be read: '%1' is left as it is until results are stored\n")
-            .arg(directory->path(userFile));
-    QCOMPARE(f.log.text, foundSome + cannot + foundNone);
-    QCOMPARE(f.runner->getResults().size(), f.referenceCount + 1);
-    QCOMPARE(f.result("mandel"), 0.0F);
-    QCOMPARE(directory->read(userFile), content);
-
-    f.record(0);
-    QCOMPARE(f.logOf(&benchDataAccess::storeUserData), stored);
-    QCOMPARE(f.logOfLoad(), foundSome);
-}
-
-void tst_userStore::directoryInPlaceOfTheFile()
-{
-    QDir().mkpath(directory->path(userFile));
-    fixture f;
-    QVERIFY(f.log.text.startsWith(foundSome + QStringLiteral("They cannot be read: ")));
-    QVERIFY(f.log.text.endsWith(foundNone));
-    QCOMPARE(f.logOf(&benchDataAccess::storeUserData), notWritable);
-    QCOMPARE(f.logOf(&benchDataAccess::removeUserData), removed);
-    QVERIFY(QFileInfo(directory->path(userFile)).isDir());
-}
-
 void tst_userStore::severalMachines()
 {
     directory->write(userFile, "<F><bench machineName=\"first\" os=\"linux\"/>"
                                "<bench machineName=\"last\" os=\"linux\">"
                                "<test name=\"mandel\" result=\"2\"/></bench></F>");
-    fixture f;
+    userStoreFixture f;
     QCOMPARE(f.log.text, foundSome);
     QCOMPARE(f.own().getName(), QStringLiteral("last"));
     f.record(0);
@@ -310,131 +146,14 @@ void tst_userStore::severalMachines()
     QVERIFY(directory->read(userFile).contains("machineName=\"last\""));
 }
 
-void tst_userStore::absurdValues_data()
-{
-    QTest::addColumn<QByteArray>("number");
-    QTest::addColumn<QByteArray>("clock");
-    QTest::addColumn<QByteArray>("threads");
-    QTest::addColumn<QByteArray>("result");
-    QTest::newRow("nan") << QByteArray("nan") << QByteArray("0") << QByteArray("0")
-                         << QByteArray("nan");
-    QTest::newRow("inf") << QByteArray("inf") << QByteArray("18000000404716257280")
-                         << QByteArray("0") << QByteArray("inf");
-    QTest::newRow("minus inf") << QByteArray("-inf") << QByteArray("0") << QByteArray("0")
-                               << QByteArray("-inf");
-    QTest::newRow("negative") << QByteArray("-5") << QByteArray("0") << QByteArray("-5")
-                              << QByteArray("-5");
-    QTest::newRow("huge") << QByteArray("1e30") << QByteArray("18000000404716257280")
-                          << QByteArray("0") << QByteArray("1e+30");
-    QTest::newRow("beyond a float") << QByteArray("1e300") << QByteArray("18000000404716257280")
-                                    << QByteArray("0") << QByteArray("inf");
-    QTest::newRow("no number") << QByteArray("much") << QByteArray("0") << QByteArray("0")
-                               << QByteArray("0");
-}
-
-void tst_userStore::absurdValues()
-{
-    QFETCH(QByteArray, number);
-    directory->write(userFile, "<F><bench machineName=\"m\" os=\"o\" cpu=\"c\" clock=\"" + number
-                                   + "\" threadCount=\"" + number
-                                   + "\"><test name=\"mandel\" result=\"" + number
-                                   + "\"/></bench></F>");
-    fixture f;
-    f.runner->storeUserData();
-    const QByteArray content = directory->read(userFile);
-    QFETCH(QByteArray, clock);
-    QFETCH(QByteArray, threads);
-    QFETCH(QByteArray, result);
-    QVERIFY2(content.contains(" clock=\"" + clock + "\" threadCount=\"" + threads + "\""), content);
-    QVERIFY2(content.contains("name=\"mandel\" result=\"" + result + "\""), content);
-}
-
-void tst_userStore::cutOffFileKeepsWhatItHas()
-{
-    directory->write(userFile, "<F><bench machineName=\"m\" os=\"o\"><test name=\"mandel\" "
-                               "result=\"7\"/><test name=\"colo");
-    fixture f;
-    QCOMPARE(f.log.text, foundSome);
-    QCOMPARE(f.result("mandel"), 7.0F);
-    QCOMPARE(f.own().getTests().size(), 1);
-}
-
 void tst_userStore::removedTwice()
 {
-    fixture f;
+    userStoreFixture f;
     f.runner->storeUserData();
     QCOMPARE(f.logOf(&benchDataAccess::removeUserData), removed);
     QVERIFY(!QFile::exists(directory->path(userFile)));
     QCOMPARE(f.logOf(&benchDataAccess::removeUserData), removed);
     QCOMPARE(f.logOfLoad(), foundNone);
-}
-
-void tst_userStore::noDirectory()
-{
-    qputenv("XDG_DATA_HOME", "/proc/none");
-    fixture f;
-    const QString cannot =
-        QStringLiteral("cant create userdata directory '%1'\n")
-            .arg(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    QCOMPARE(f.log.text, cannot + foundNone);
-    QCOMPARE(f.logOf(&benchDataAccess::storeUserData),
-             cannot + QStringLiteral("Can't store userdata (directory not writable)\n"));
-    QVERIFY(!f.wasDone);
-    QCOMPARE(f.logOf(&benchDataAccess::removeUserData),
-             cannot + QStringLiteral("Can not remove user benchmark data (doesn't exists)\n"));
-}
-
-void tst_userStore::noHome()
-{
-    const QByteArray home = qgetenv("HOME");
-    qunsetenv("HOME");
-    qunsetenv("XDG_DATA_HOME");
-    {
-        const ordinaryUser user;
-        fixture f;
-        QVERIFY(f.log.text.startsWith(QStringLiteral("cant create userdata directory '")));
-        QVERIFY(f.log.text.endsWith(foundNone));
-        QVERIFY(f.logOf(&benchDataAccess::storeUserData)
-                    .endsWith(QStringLiteral("Can't store userdata (directory not writable)\n")));
-    }
-    qputenv("HOME", home);
-}
-
-void tst_userStore::readOnlyDirectory()
-{
-    fixture f;
-    f.runner->storeUserData();
-    const QByteArray before = directory->read(userFile);
-    f.record(0);
-    // Open to others from its root on, and closed to writing by all.
-    QCOMPARE(chmod(QFile::encodeName(directory->rootPath()).constData(), 0755), 0);
-    const QByteArray place = QFile::encodeName(directory->path());
-    QCOMPARE(chmod(place.constData(), 0555), 0);
-    {
-        const ordinaryUser user;
-        QCOMPARE(f.logOf(&benchDataAccess::storeUserData), notWritable);
-        QCOMPARE(f.logOf(&benchDataAccess::removeUserData), removed);
-    }
-    QCOMPARE(chmod(place.constData(), 0755), 0);
-    QCOMPARE(directory->read(userFile), before);
-}
-
-void tst_userStore::fullDiskKeepsTheFile()
-{
-    fixture f;
-    f.runner->storeUserData();
-    const QByteArray before = directory->read(userFile);
-    f.record(0);
-    {
-        const fullDisk disk;
-        f.wasDone = true;
-        QCOMPARE(f.logOf(&benchDataAccess::storeUserData), notWritable);
-        QVERIFY(!f.wasDone);
-    }
-    QCOMPARE(directory->read(userFile), before);
-    QCOMPARE(QDir(directory->path()).entryList(QDir::Files), QStringList(userFile));
-    QCOMPARE(f.logOf(&benchDataAccess::storeUserData), stored);
-    QVERIFY(directory->read(userFile) != before);
 }
 
 void tst_userStore::nothingLoaded()

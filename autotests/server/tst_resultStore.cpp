@@ -1,72 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/resultStore.h"
 
-#include "server/exchange.h"
+#include "server/storeFixture.h"
 #include "server/storeThreads.h"
 
-#include "server/postgresServer.h"
-#include "support/uploads.h"
-
-#include <QBuffer>
 #include <QtTest>
-
-/// Each test runs on both products.
-class tst_resultStore : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void cleanupTestCase() { postgres.reset(); }
-    void init();
-
-    void addresses_data();
-    void addresses();
-    void emptyDatabase_data() { products(); }
-    void emptyDatabase();
-    void uploads_data() { products(); }
-    void uploads();
-    void strangeTexts_data() { products(); }
-    void strangeTexts();
-    void publishing_data() { products(); }
-    void publishing();
-    void withdrawing_data() { products(); }
-    void withdrawing();
-    void exportAndImport_data() { products(); }
-    void exportAndImport();
-    void importOfAList_data() { products(); }
-    void importOfAList();
-    void brokenImports_data() { products(); }
-    void brokenImports();
-    void otherSchema_data() { products(); }
-    void otherSchema();
-    void threads_data() { products(); }
-    void threads();
-    void databaseComesBack();
-    void cannotBeOpened_data();
-    void cannotBeOpened();
-
-private:
-    static void products();
-    databaseAddress address() const { return *parseDatabaseAddress(place); }
-
-    std::unique_ptr<postgresServer> postgres;
-    QTemporaryDir directory;
-    int files = 0;
-    QString place;
-};
 
 namespace
 {
-
-QVector<storedUpload> uploadsIn(resultStore &store)
-{
-    QVector<storedUpload> all;
-    const bool isRead = store.forEachUpload([&all](const storedUpload &one) { all.append(one); });
-    if (!isRead)
-        qWarning("%s", qPrintable(store.error()));
-    return all;
-}
 
 QString statesIn(resultStore &store)
 {
@@ -76,59 +17,45 @@ QString statesIn(resultStore &store)
     return states.join(QLatin1Char(' '));
 }
 
-storedUpload numbered(int i)
-{
-    return stored(machineWith(QStringLiteral("m"), QStringLiteral("c"), static_cast<float>(i)),
-                  1'000 + i);
-}
-
-std::optional<int> publish(resultStore &store)
-{
-    return store.publish([](const storedUpload &) {},
-                         [] {
-                             return resultStore::lists{"normal", QByteArray("be\0ta", 5)};
-                         });
-}
-
-QByteArray exported(resultStore &store)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    return exportTo(store, buffer) ? buffer.data() : QByteArray();
-}
-
-importReport import(resultStore &store, QByteArray xml)
-{
-    QBuffer buffer(&xml);
-    buffer.open(QIODevice::ReadOnly);
-    return importFrom(buffer, store, 5'000);
-}
-
 } // namespace
 
-void tst_resultStore::initTestCase()
+/// Each test runs on both products.
+class tst_resultStore : public QObject
 {
-    postgres = std::make_unique<postgresServer>();
-    QVERIFY2(postgres->lastOutput.isEmpty(), qPrintable(postgres->lastOutput));
-}
+    Q_OBJECT
 
-void tst_resultStore::products()
-{
-    QTest::addColumn<bool>("isSqlite");
-    QTest::newRow("SQLite") << true;
-    QTest::newRow("PostgreSQL") << false;
-}
+private slots:
+    void initTestCase()
+    {
+        fixture = std::make_unique<storeFixture>();
+        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
+    }
+    void cleanupTestCase() { fixture.reset(); }
+    void init() { fixture->begin(); }
 
-void tst_resultStore::init()
-{
-    place.clear();
-    if (QTest::currentDataTag() == nullptr)
-        return;
-    place = QByteArray(QTest::currentDataTag()) == "SQLite"
-                ? QStringLiteral("sqlite:")
-                      + directory.filePath(QStringLiteral("new/%1.db").arg(++files))
-                : postgres->newDatabase();
-}
+    void addresses_data();
+    void addresses();
+    void emptyDatabase_data() { storeFixture::addProducts(); }
+    void emptyDatabase();
+    void uploads_data() { storeFixture::addProducts(); }
+    void uploads();
+    void strangeTexts_data() { storeFixture::addProducts(); }
+    void strangeTexts();
+    void publishing_data() { storeFixture::addProducts(); }
+    void publishing();
+    void withdrawing_data() { storeFixture::addProducts(); }
+    void withdrawing();
+    void otherSchema_data() { storeFixture::addProducts(); }
+    void otherSchema();
+    void threads_data() { storeFixture::addProducts(); }
+    void threads();
+    void databaseComesBack();
+    void cannotBeOpened_data();
+    void cannotBeOpened();
+
+private:
+    std::unique_ptr<storeFixture> fixture;
+};
 
 void tst_resultStore::addresses_data()
 {
@@ -169,7 +96,7 @@ void tst_resultStore::addresses()
 
 void tst_resultStore::emptyDatabase()
 {
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY2(store.open(), qPrintable(store.error()));
     QCOMPARE(store.newestVersion(), std::optional<int>(1010));
     for (const bool isBeta : {false, true}) {
@@ -178,13 +105,13 @@ void tst_resultStore::emptyDatabase()
         QCOMPARE(list->version, 0);
     }
     QVERIFY(uploadsIn(store).isEmpty());
-    resultStore second(address());
+    resultStore second(fixture->address());
     QVERIFY(second.open());
 }
 
 void tst_resultStore::uploads()
 {
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY(store.open());
     QVERIFY2(store.add({numbered(1), numbered(2)}), qPrintable(store.error()));
     // The same content, later, and a new one with it.
@@ -206,7 +133,7 @@ void tst_resultStore::uploads()
 
 void tst_resultStore::strangeTexts()
 {
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY(store.open());
     const QString name =
         QString::fromUtf8("'; DROP TABLE uploads; -- \\ %s ? $1 \" \xF0\x9F\x90\xA7");
@@ -221,7 +148,7 @@ void tst_resultStore::strangeTexts()
 
 void tst_resultStore::publishing()
 {
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY(store.open());
     QVERIFY(store.add({numbered(0), numbered(1)}));
     int taken = 0;
@@ -236,7 +163,7 @@ void tst_resultStore::publishing()
     QCOMPARE(statesIn(store), QStringLiteral("received published"));
     QCOMPARE(publish(store), std::optional<int>(1012));
 
-    resultStore second(address());
+    resultStore second(fixture->address());
     QVERIFY(second.open());
     QCOMPARE(second.newestVersion(), std::optional<int>(1012));
     QCOMPARE(second.newestList(false)->content, QByteArray("normal"));
@@ -252,7 +179,7 @@ void tst_resultStore::publishing()
 
 void tst_resultStore::withdrawing()
 {
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY(store.open());
     QVERIFY(store.add({numbered(1), numbered(2)}));
     bool isFound = true;
@@ -269,96 +196,16 @@ void tst_resultStore::withdrawing()
     QCOMPARE(statesIn(store), QStringLiteral("published withdrawn"));
 }
 
-void tst_resultStore::exportAndImport()
-{
-    resultStore store(address());
-    QVERIFY(store.open());
-    QVERIFY(
-        store.add({numbered(0), numbered(1), numbered(2),
-                   stored(machineWith(QStringLiteral("<%1> & \"x\""), QStringLiteral("c"), 3))}));
-    QVERIFY(publish(store).has_value());
-    bool isFound = false;
-    QVERIFY(store.withdraw(uploadsIn(store).at(2).id, QStringLiteral("a <reason>"), isFound));
-    const QByteArray xml = exported(store);
-    QVERIFY(xml.contains("a &lt;reason&gt;"));
-
-    QTemporaryDir other;
-    resultStore empty(*parseDatabaseAddress(QStringLiteral("sqlite:")
-                                            + other.filePath(QStringLiteral("copy.db"))));
-    QVERIFY(empty.open());
-    const importReport report = import(empty, xml);
-    QCOMPARE(report.error, QString());
-    QCOMPARE(report.uploads, 4);
-    QCOMPARE(report.lists, 2);
-    QCOMPARE(exported(empty), xml);
-    QCOMPARE(empty.newestVersion(), std::optional<int>(1011));
-    QVERIFY(uploadsIn(empty).first().isEmpty);
-    // Again, and into the one it came from: nothing twice.
-    QVERIFY(import(empty, xml).error.isEmpty());
-    QVERIFY(import(store, xml).error.isEmpty());
-    QCOMPARE(exported(empty), xml);
-    QCOMPARE(exported(store), xml);
-}
-
-void tst_resultStore::importOfAList()
-{
-    resultStore store(address());
-    QVERIFY(store.open());
-    const QByteArray list = "<Fennick>\r\n"
-                            "<bench machineName=\"A (est.)\" os=\"linux\" cpu=\"a\" clock=\"1\" "
-                            "threadCount=\"1\"><test name=\"mandel\" result=\"1\"/></bench>\r\n"
-                            "<bench machineName=\"B\" os=\"linux\" cpu=\"b\" clock=\"1\" "
-                            "threadCount=\"1\"><test name=\"mandel\" result=\"2\"/></bench>\r\n"
-                            "</Fennick>";
-    const importReport report = import(store, list);
-    QCOMPARE(report.error, QString());
-    QCOMPARE(report.uploads, 1);
-    QCOMPARE(report.estimates, 1);
-    const QVector<storedUpload> all = uploadsIn(store);
-    QCOMPARE(all.size(), 1);
-    QVERIFY(all.first().content.contains("cpu=\"b\""));
-    QCOMPARE(all.first().received, qint64(5'000));
-    QCOMPARE(all.first().state, QStringLiteral("received"));
-}
-
-void tst_resultStore::brokenImports()
-{
-    resultStore store(address());
-    QVERIFY(store.open());
-    QVERIFY(store.add({numbered(1)}));
-    const QByteArray good = exported(store);
-    const QByteArray two =
-        QByteArray(good).replace("</FennickExport>", "<bench machineName=\"x\" os=\"linux\" "
-                                                     "cpu=\"c\" clock=\"1\" threadCount=\"1\">"
-                                                     "<test name=\"mandel\" result=\"9\"/></bench>"
-                                                     "</FennickExport>");
-    QTemporaryDir other;
-    for (const QByteArray &broken :
-         {good.left(good.size() - 5), QByteArray("no XML"), QByteArray(),
-          QByteArray(two).replace("result=\"9\"", "result=\"-9\""),
-          QByteArray(two).replace("mandel\" result=\"9\"", "other\" result=\"9\""),
-          QByteArray(good).replace("received\" reason", "lost\" reason"),
-          QByteArray("<!DOCTYPE x>") + two}) {
-        resultStore empty(*parseDatabaseAddress(QStringLiteral("sqlite:")
-                                                + other.filePath(QStringLiteral("empty.db"))));
-        QVERIFY(empty.open());
-        QVERIFY2(!import(empty, broken).error.isEmpty(), broken);
-        QVERIFY(uploadsIn(empty).isEmpty());
-    }
-    QVERIFY(import(store, two).error.isEmpty());
-    QCOMPARE(uploadsIn(store).size(), 2);
-}
-
 void tst_resultStore::otherSchema()
 {
     {
-        resultStore store(address());
+        resultStore store(fixture->address());
         QVERIFY(store.open());
-        database db(address());
+        database db(fixture->address());
         QVERIFY(db.open());
         QVERIFY(db.execute(QStringLiteral("UPDATE schema_version SET version = 7")).has_value());
     }
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY(!store.open());
     QCOMPARE(store.error(), QStringLiteral("the database has schema 7, this program needs 1"));
 }
@@ -366,7 +213,7 @@ void tst_resultStore::otherSchema()
 void tst_resultStore::threads()
 {
     {
-        storeThreads store(address(), 2);
+        storeThreads store(fixture->address(), 2);
         std::atomic<int> stored = 0;
         std::vector<std::thread> writers;
         for (int client = 0; client < 8; ++client) {
@@ -382,21 +229,21 @@ void tst_resultStore::threads()
             writer.join();
         QCOMPARE(stored, 200);
     }
-    resultStore store(address());
+    resultStore store(fixture->address());
     QVERIFY(store.open());
     QCOMPARE(uploadsIn(store).size(), 200);
 }
 
 void tst_resultStore::databaseComesBack()
 {
-    place = postgres->newDatabase();
-    storeThreads store(address(), 1);
+    fixture->beginPostgres();
+    storeThreads store(fixture->address(), 1);
     QVERIFY(store.add(numbered(1)));
     QCOMPARE(store.newestVersion(), std::optional<int>(1010));
-    QVERIFY(postgres->stop());
+    QVERIFY(fixture->postgres.stop());
     QVERIFY(!store.newestVersion().has_value());
     QVERIFY(!store.add(numbered(2)));
-    QVERIFY(postgres->start());
+    QVERIFY(fixture->postgres.start());
     QCOMPARE(store.newestVersion(), std::optional<int>(1010));
     QVERIFY(store.add(numbered(3)));
 }

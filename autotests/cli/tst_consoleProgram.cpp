@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/consoleRunner.h"
+
+#include "support/dataDirectory.h"
+#include "support/fakeServer.h"
+
+#include <QProcess>
+#include <QtTest>
+
+#include <csignal>
+
+namespace
+{
+
+/// A server that does not exist: these tests stay on this machine.
+const QString nobody = QStringLiteral("--server=127.0.0.1:1");
+
+/// The real program, in a process of its own.
+class program
+{
+public:
+    explicit program(const QStringList &arguments)
+    {
+        process.start(QStringLiteral(FENNICK_CLI), arguments);
+    }
+    /// The exit code, after which both outputs are complete; -1 for a crash or no end.
+    int exitCode()
+    {
+        if (!process.waitForFinished(120'000) || process.exitStatus() != QProcess::NormalExit)
+            return -1;
+        out += QString::fromLocal8Bit(process.readAllStandardOutput());
+        err += QString::fromLocal8Bit(process.readAllStandardError());
+        return process.exitCode();
+    }
+    /// Waits until the standard output holds @p text.
+    bool waitFor(const QString &text)
+    {
+        while (!out.contains(text)) {
+            if (!process.waitForReadyRead(60'000))
+                return false;
+            out += QString::fromLocal8Bit(process.readAllStandardOutput());
+        }
+        return true;
+    }
+
+    QProcess process;
+    QString out;
+    QString err;
+};
+
+} // namespace
+
+class tst_consoleProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { directory = std::make_unique<dataDirectory>(); }
+    void cleanup() { directory.reset(); }
+
+    void programWithoutMemory();
+    void programListsAndExits_data();
+    void programListsAndExits();
+    void programRunsATest();
+    void programAsksTheServer();
+    void programIsInterrupted();
+    void secondInterruptEndsTheProgram();
+    void ignoredInterruptsStayIgnored();
+    void programHasNoWidgets();
+
+private:
+    std::unique_ptr<dataDirectory> directory;
+};
+
+/// The real program with an address space that holds the frame of this test, but not its rounds.
+void tst_consoleProgram::programWithoutMemory()
+{
+#if defined(Q_OS_LINUX) && !defined(FENNICK_TEST_SANITIZED)
+    const QString test = QStringLiteral("zlib uncompress");
+    const auto run = [&test](int kilobytes) {
+        QProcess shell;
+        shell.start(QStringLiteral("sh"),
+                    {QStringLiteral("-c"),
+                     QStringLiteral("ulimit -v %1 && exec \"$@\"").arg(kilobytes),
+                     QStringLiteral("sh"), QStringLiteral(FENNICK_CLI), QStringLiteral("--test"),
+                     test, QStringLiteral("--time"), QStringLiteral("1"), nobody});
+        shell.waitForFinished(120'000);
+        const int code = shell.exitStatus() == QProcess::NormalExit ? shell.exitCode() : -1;
+        return qMakePair(code, QString::fromLocal8Bit(shell.readAllStandardOutput()));
+    };
+    // What the program takes by itself differs from system to system, so the limit is searched for.
+    bool hasFailed = false;
+    for (int megabytes = 700; megabytes >= 300 && !hasFailed; megabytes -= 25) {
+        const auto [code, out] = run(megabytes * 1024);
+        const bool isWorked = out.contains(QLatin1String(" Result: "));
+        QCOMPARE(code, isWorked ? int(exitSuccess) : int(exitFailure));
+        QCOMPARE(out.contains(QLatin1String("Error: ")), !isWorked);
+        hasFailed = out.contains(QLatin1String("Error: no memory for a round of this test"));
+    }
+    QVERIFY(hasFailed);
+#else
+    QSKIP("needs a limit of the address space");
+#endif
+}
+
+void tst_consoleProgram::programListsAndExits_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("text");
+    const auto option = [](const char *text) { return QStringList(QString::fromLatin1(text)); };
+    QTest::newRow("list") << option("--list") << 0 << QStringLiteral("  mandel (multicore)\n");
+    QTest::newRow("version") << option("--version") << 0 << QStringLiteral("fennick-cli 26.0\n");
+    QTest::newRow("help") << option("--help") << 0 << QStringLiteral("--resolution <WxH>");
+    QTest::newRow("unknown test") << option("--test=no") << 2 << QStringLiteral("  mandel\n");
+    QTest::newRow("bad time") << option("--time=0") << 2 << QStringLiteral("--time");
+    QTest::newRow("upload of a test")
+        << QStringList({QStringLiteral("--upload"), QStringLiteral("--test=mandel")}) << 2
+        << QStringLiteral("--test");
+    QTest::newRow("upload of another time")
+        << QStringList({QStringLiteral("--upload"), QStringLiteral("--time=1")}) << 2
+        << QStringLiteral("8 seconds");
+    QTest::newRow("unknown option") << option("--nope") << 2 << QStringLiteral("nope");
+}
+
+void tst_consoleProgram::programListsAndExits()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, text);
+    program p(arguments);
+    QCOMPARE(p.exitCode(), code);
+    const QString &used = code == 0 ? p.out : p.err;
+    QVERIFY2(used.contains(text), qPrintable(used));
+    if (code == 0)
+        QVERIFY2(!p.out.contains(QStringLiteral("CPU/HW")), "the log does not belong here");
+    else
+        QVERIFY(p.out.isEmpty());
+}
+
+void tst_consoleProgram::programRunsATest()
+{
+    program p({QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
+               QStringLiteral("--resolution=320x240"), nobody});
+    QCOMPARE(p.exitCode(), 0);
+    QVERIFY(p.out.startsWith(QStringLiteral("Found ")));
+    QVERIFY(p.out.contains(
+        QStringLiteral("Start single test (1s testtime use virtual resolution 320x240):\n")));
+    QVERIFY(p.out.contains(QStringLiteral("/s MPixel (avg ")));
+}
+
+void tst_consoleProgram::programAsksTheServer()
+{
+    const fakeServer server(sending(httpReply("1")));
+    QProcess process;
+    process.start(QStringLiteral(FENNICK_CLI),
+                  {QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
+                   QStringLiteral("--resolution=320x240"),
+                   QStringLiteral("--server=%1").arg(server.host())});
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 120'000);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(server.requests.size(), 1);
+    QVERIFY(
+        process.readAllStandardOutput().contains("Online database has version 1 (local 1010)\n"));
+}
+
+void tst_consoleProgram::programIsInterrupted()
+{
+#ifdef Q_OS_UNIX
+    program p({QStringLiteral("--time=600"), nobody});
+    QVERIFY(p.waitFor(QStringLiteral("Test ")));
+    ::kill(static_cast<pid_t>(p.process.processId()), SIGINT);
+    QCOMPARE(p.exitCode(), 130);
+    QVERIFY(p.out.contains(QStringLiteral("\nstopped by user ...\n Result: ")));
+    QVERIFY(p.out.endsWith(QStringLiteral("ms)\nstopped by user ...\n")));
+#else
+    QSKIP("needs signals between processes");
+#endif
+}
+
+#ifdef Q_OS_LINUX
+namespace
+{
+
+/// Whether process @p id has been sent a SIGINT that it has not taken notice of.
+bool isInterruptPending(qint64 id)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(id));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray text = status.readAll();
+    const QByteArray field = "\nShdPnd:\t";
+    const quint64 pending =
+        text.mid(text.indexOf(field) + field.size(), 16).toULongLong(nullptr, 16);
+    return (pending >> (SIGINT - 1)) & 1U;
+}
+
+} // namespace
+#endif
+
+void tst_consoleProgram::secondInterruptEndsTheProgram()
+{
+#ifdef Q_OS_LINUX
+    // A round of this test takes seconds. Should one end just between the two signals, the first
+    // one ends the program, and another try is due.
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        program p({QStringLiteral("--time=600"), QStringLiteral("--test=shellsort"), nobody});
+        QVERIFY(p.waitFor(QStringLiteral("Test ")));
+        const auto id = static_cast<pid_t>(p.process.processId());
+        ::kill(id, SIGINT);
+        QVERIFY(QTest::qWaitFor([id] { return !isInterruptPending(id); }));
+        ::kill(id, SIGINT);
+        QVERIFY(p.process.waitForFinished(120'000));
+        if (p.process.exitStatus() == QProcess::CrashExit) {
+            QCOMPARE(p.process.exitCode(), SIGINT);
+            return;
+        }
+        QCOMPARE(p.process.exitCode(), int(exitInterrupted));
+    }
+    QFAIL("the second signal has never ended the program");
+#else
+    QSKIP("needs to know of pending signals");
+#endif
+}
+
+/// As those of a script are that runs in the background.
+void tst_consoleProgram::ignoredInterruptsStayIgnored()
+{
+#ifdef Q_OS_UNIX
+    QProcess process;
+    process.start(QStringLiteral("sh"),
+                  {QStringLiteral("-c"), QStringLiteral("trap '' INT; exec \"$0\" \"$@\""),
+                   QStringLiteral(FENNICK_CLI), QStringLiteral("--time=2"),
+                   QStringLiteral("--test=mandel"), QStringLiteral("--resolution=320x240"),
+                   nobody});
+    QByteArray out;
+    while (!out.contains("Test ") && process.waitForReadyRead(60'000))
+        out += process.readAllStandardOutput();
+    QVERIFY(out.contains("Test "));
+    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    QVERIFY(process.waitForFinished(120'000));
+    out += process.readAllStandardOutput();
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY(!out.contains("stopped by user"));
+#else
+    QSKIP("needs signals between processes");
+#endif
+}
+
+void tst_consoleProgram::programHasNoWidgets()
+{
+    QProcess readelf;
+    readelf.start(QStringLiteral("readelf"), {QStringLiteral("-d"), QStringLiteral(FENNICK_CLI)});
+    if (!readelf.waitForFinished())
+        QSKIP("needs readelf");
+    const QByteArray libraries = readelf.readAllStandardOutput();
+    QVERIFY(libraries.contains("Qt5Core"));
+    QVERIFY(!libraries.contains("Qt5Widgets"));
+}
+
+QTEST_GUILESS_MAIN(tst_consoleProgram)
+#include "tst_consoleProgram.moc"

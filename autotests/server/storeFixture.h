@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "server/resultStore.h"
+
+#include "server/postgresServer.h"
+#include "support/uploads.h"
+
+#include <QtTest>
+
+#include <memory>
+#include <optional>
+
+/// New databases of both products, for tests with one row for each.
+class storeFixture
+{
+public:
+    static void addProducts()
+    {
+        QTest::addColumn<bool>("isSqlite");
+        QTest::newRow("SQLite") << true;
+        QTest::newRow("PostgreSQL") << false;
+    }
+
+    /// What is wrong with the PostgreSQL server, if anything is.
+    const QString &error() const { return postgres.lastOutput; }
+
+    /// A new, empty database of the product that the row of data names.
+    void begin()
+    {
+        const QByteArray product(QTest::currentDataTag());
+        place.clear();
+        if (product == "SQLite")
+            place = QStringLiteral("sqlite:")
+                    + directory.filePath(QStringLiteral("new/%1.db").arg(++files));
+        else if (product == "PostgreSQL")
+            beginPostgres();
+    }
+    void beginPostgres() { place = postgres.newDatabase(); }
+
+    databaseAddress address() const { return *parseDatabaseAddress(place); }
+
+    postgresServer postgres;
+
+private:
+    QTemporaryDir directory;
+    int files = 0;
+    QString place;
+};
+
+inline QVector<storedUpload> uploadsIn(resultStore &store)
+{
+    QVector<storedUpload> all;
+    const bool isRead = store.forEachUpload([&all](const storedUpload &one) { all.append(one); });
+    if (!isRead)
+        qWarning("%s", qPrintable(store.error()));
+    return all;
+}
+
+inline storedUpload numbered(int i)
+{
+    return stored(machineWith(QStringLiteral("m"), QStringLiteral("c"), static_cast<float>(i)),
+                  1'000 + i);
+}
+
+inline std::optional<int> publish(resultStore &store)
+{
+    return store.publish([](const storedUpload &) {},
+                         [] {
+                             return resultStore::lists{"normal", QByteArray("be\0ta", 5)};
+                         });
+}
