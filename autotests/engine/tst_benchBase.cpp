@@ -1,121 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/benchBase.h"
 
-#include "engine/benchAndMeasure.h"
-#include "engine/fakeClock.h"
 #include "engine/machineProbe.h"
-#include "support/fakeTest.h"
-#include "support/textLog.h"
+#include "engine/runnerFixture.h"
 
-#include <QSysInfo>
 #include <QtTest>
 
-#include <limits>
 #include <new>
-
-using std::chrono::milliseconds;
-
-namespace
-{
-
-/// Print, stop and update hook that write into one event log, and a runner over fakes. The stop
-/// hook answers true from its poll number stopAtPoll on.
-class bench : public textLog, public stopHook, public updateHook
-{
-public:
-    explicit bench(const QStringList &names)
-    {
-        suite tests;
-        for (const QString &name : names) {
-            tests.push_back(std::make_unique<fakeTest>(name, &events));
-            fakes.append(static_cast<fakeTest *>(tests.back().get()));
-        }
-        runner = std::make_unique<benchBase>(this, this, this, std::move(tests));
-        runner->loadReferenceData(benchBase::builtInReference);
-        runner->loadUserData();
-        // Each test takes exactly one measurement, since a work unit lasts longer than the test
-        // time.
-        runner->setTestTime(60);
-        for (fakeTest *test : qAsConst(fakes))
-            test->onRun = [] { fakeClock::pass(milliseconds(70)); };
-        text.clear();
-    }
-
-    void updateStart(testBase *test) override { note(test, "updateStart"); }
-    void updateProgress(testBase *test, int elapsedMs) override
-    {
-        note(test, "updateProgress");
-        spans.append(elapsedMs);
-        fakeClock::pass(progressTime);
-    }
-    void updateEnd(testBase *test) override { note(test, "updateEnd"); }
-    bool isStopRequested() override { return ++polls >= stopAtPoll; }
-
-    /// The stored value of a test, or -1 without an entry.
-    float stored(const QString &name) const
-    {
-        benchResults machine = runner->getResults().last();
-        const benchResults::test *entry = machine.findTest(name);
-        return entry ? entry->value : -1.0F;
-    }
-
-    QStringList events;
-    QVector<int> spans;
-    /// What the update hook takes for itself.
-    milliseconds progressTime{0};
-    QVector<fakeTest *> fakes;
-    int polls = 0;
-    int stopAtPoll = std::numeric_limits<int>::max();
-    std::unique_ptr<benchBase> runner;
-
-private:
-    fakeClock clock;
-
-    void note(testBase *test, const char *event)
-    {
-        events.append(test->getName() + QLatin1Char('.') + QLatin1String(event));
-    }
-};
-
-/// What one test of one measurement leaves in the event log.
-QStringList eventsOf(const QString &name)
-{
-    QStringList events;
-    for (const char *event : {"setup", "release", "updateStart", "preRun", "run", "postRun",
-                              "updateProgress", "updateEnd", "release"})
-        events.append(name + QLatin1Char('.') + QLatin1String(event));
-    return events;
-}
-
-/// Takes the measured figures, which no test can know, out of a log.
-QString withoutFigures(QString text)
-{
-    text.replace(QRegularExpression(QStringLiteral("Result: [0-9.e+inf]+/s (\\w+) \\(avg "
-                                                   "[0-9.e+]+ms\\)")),
-                 QStringLiteral("Result: N/s \\1 (avg Nms)"));
-    return text;
-}
-
-QString testLine(const QString &name)
-{
-    return QStringLiteral("Test ") + name.rightJustified(36) + QStringLiteral(" Result: ");
-}
-
-const QString figures = QStringLiteral("N/s MFakes (avg Nms)\n");
-const QString title =
-    QStringLiteral("Fennick CPU bench (%1)").arg(QSysInfo::buildCpuArchitecture());
-const QString a = QStringLiteral("a");
-const QString b = QStringLiteral("b");
-const QString c = QStringLiteral("c");
-
-} // namespace
 
 class tst_benchBase : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { prepareRunners(); }
     void startText();
     void lists();
     void fullRun();
@@ -131,28 +29,11 @@ private slots:
     void unknownTest();
     void unknownResolution();
     void firstOfEqualNames();
-    void recordsOnlyTheStandardResolution();
-    void recordsOnlyBothSidesOfTheStandardResolution();
-    void recordsOnlyExistingEntries();
-    void laterResultReplaces();
-    void repeatsUntilTheTimeIsUp_data();
-    void repeatsUntilTheTimeIsUp();
-    void progressSpans();
-    void resultIsWorkByTheMeanSpan();
-    void noTestTime();
     void namesWithPlaceholders();
     void nullEntryIsSkipped();
     void testTimes();
     void realSuite();
 };
-
-void tst_benchBase::initTestCase()
-{
-    QStandardPaths::setTestModeEnabled(true);
-    // The stopwatch of the process starts with the first question.
-    const fakeClock clock;
-    benchAndMeasure().measure(nullptr);
-}
 
 void tst_benchBase::startText()
 {
@@ -364,131 +245,6 @@ void tst_benchBase::firstOfEqualNames()
     fixture.runner->runSingleTest(a, QStringLiteral("320x240"));
     QCOMPARE(fixture.fakes.at(0)->getWidth(), 320);
     QCOMPARE(fixture.fakes.at(1)->getWidth(), 0);
-}
-
-void tst_benchBase::recordsOnlyTheStandardResolution()
-{
-    bench fixture({a});
-    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("800x600")));
-    QCOMPARE(fixture.stored(a), 0.0F);
-    QVERIFY(!fixture.runner->getResults().last().isMeasured());
-    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("3820x2160")));
-    QVERIFY(fixture.stored(a) > 0);
-    QVERIFY(fixture.runner->getResults().last().isMeasured());
-    for (const benchResults &machine : fixture.runner->getResults().mid(0, 1))
-        QVERIFY(!machine.isMeasured());
-}
-
-void tst_benchBase::recordsOnlyBothSidesOfTheStandardResolution()
-{
-    bench fixture({a});
-    testBase *test = fixture.fakes.at(0);
-    for (const QSize &resolution : {QSize(3820, 100), QSize(100, 2160), QSize(3840, 2160)}) {
-        QVERIFY(fixture.runner->runTest(test, resolution, false));
-        QCOMPARE(fixture.stored(a), 0.0F);
-        QVERIFY(!fixture.runner->getResults().last().isMeasured());
-    }
-    QVERIFY(fixture.runner->runTest(test, QSize(3820, 2160), false));
-    QVERIFY(fixture.stored(a) > 0);
-}
-
-void tst_benchBase::recordsOnlyExistingEntries()
-{
-    // A record that does not know the test: it was built for another suite.
-    class unknowing : public benchBase
-    {
-    public:
-        using benchBase::benchBase;
-        void forget() { results.last().getTests().clear(); }
-    };
-    textLog log;
-    suite tests;
-    tests.push_back(std::make_unique<fakeTest>(a, nullptr));
-    unknowing runner(&log, nullptr, nullptr, std::move(tests));
-    runner.loadUserData();
-    runner.forget();
-    runner.setTestTime(1);
-    QVERIFY(runner.runSingleTest(a, QString()));
-    QVERIFY(runner.getResults().last().getTests().isEmpty());
-    QVERIFY(runner.getResults().last().isMeasured());
-}
-
-void tst_benchBase::laterResultReplaces()
-{
-    bench fixture({a});
-    QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    const float slow = fixture.stored(a);
-    fixture.fakes.at(0)->work = 30000;
-    QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    QVERIFY(fixture.stored(a) > slow);
-}
-
-void tst_benchBase::repeatsUntilTheTimeIsUp_data()
-{
-    QTest::addColumn<int>("testTime");
-    QTest::addColumn<int>("runs");
-    QTest::addRow("just over") << 351 << 6;
-    QTest::addRow("to the millisecond") << 350 << 5;
-    QTest::addRow("just under") << 349 << 5;
-    QTest::addRow("shorter than a run") << 1 << 1;
-}
-
-void tst_benchBase::repeatsUntilTheTimeIsUp()
-{
-    QFETCH(int, testTime);
-    QFETCH(int, runs);
-    bench fixture({a});
-    fixture.runner->setTestTime(testTime);
-    // How long a test runs does not depend on the clock that people set.
-    fixture.fakes.at(0)->onRun = [] {
-        fakeClock::pass(milliseconds(70));
-        fakeClock::set(QTime(12, 0));
-    };
-    QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    QCOMPARE(fixture.events.filter(QStringLiteral(".run")).size(), runs);
-    QCOMPARE(fixture.spans.size(), runs);
-}
-
-/// The spans lie between the starts of successive runs; the first has nothing before it.
-void tst_benchBase::progressSpans()
-{
-    bench fixture({a});
-    fixture.runner->setTestTime(1000);
-    fixture.progressTime = milliseconds(7);
-    fixture.fakes.at(0)->onRun = [run = 0]() mutable {
-        const int durations[] = {100, 250, 30, 400, 500};
-        fakeClock::pass(milliseconds(durations[run++]));
-    };
-    QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    QCOMPARE(fixture.spans, QVector<int>({0, 107, 257, 37, 407}));
-    // The next test counts anew.
-    fixture.spans.clear();
-    fixture.fakes.at(0)->onRun = [] { fakeClock::pass(milliseconds(600)); };
-    QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    QCOMPARE(fixture.spans, QVector<int>({0, 607}));
-}
-
-void tst_benchBase::resultIsWorkByTheMeanSpan()
-{
-    bench fixture({a});
-    fixture.runner->setTestTime(600);
-    // What the hook takes is not measured, but counts against the test time.
-    fixture.progressTime = milliseconds(50);
-    fixture.fakes.at(0)->onRun = [run = 1]() mutable {
-        fakeClock::pass(milliseconds(100 * run++));
-    };
-    QVERIFY(fixture.runner->runSingleTest(a, QString()));
-    QVERIFY(fixture.text.endsWith(testLine(a) + QStringLiteral("15/s MFakes (avg 200ms)\n")));
-    QCOMPARE(fixture.stored(a), 15.0F);
-}
-
-void tst_benchBase::noTestTime()
-{
-    bench fixture({a});
-    fixture.runner->setTestTime(0);
-    QVERIFY(fixture.runner->runSingleTest(a, QStringLiteral("320x240")));
-    QVERIFY(!fixture.events.contains(QStringLiteral("a.run")));
-    QVERIFY(fixture.text.endsWith(testLine(a) + QStringLiteral("inf/s MFakes (avg 0ms)\n")));
 }
 
 void tst_benchBase::namesWithPlaceholders()

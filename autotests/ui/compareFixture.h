@@ -96,3 +96,7 @@ struct compareFixture {
     machineList data{&log, {&single, &multi, &hidden}};
     std::unique_ptr<compareWindow> window;
 };
+
+/// Its bars at the start.
+inline const QStringList mergedLabels = {QStringLiteral("PC-B"), QStringLiteral("PC-A"),
+                                         QStringLiteral("Phone %1"), QStringLiteral("[you] LAB7")};
