@@ -57,11 +57,22 @@ need_test_tools() {
     need has_cmake_package benchmark libbenchmark-dev
     need has_file qt5/plugins/sqldrivers/libqsqlpsql.so libqt5sql5-psql
     need has_file 'postgresql/*/bin/initdb' postgresql
+    need_style_tools
 }
+
+need_openmp_of_clang() { need has_file 'llvm-*/lib/libomp.so' libomp-dev; }
 
 need_clang() {
     need has_command clang++ clang
-    need has_file 'llvm-*/lib/libomp.so' libomp-dev
+    need_openmp_of_clang
+}
+
+need_style_tools() {
+    need has_command clang-format clang-format
+    need has_command clang-tidy clang-tidy
+    need_openmp_of_clang
+    need has_command git git
+    need has_command shellcheck shellcheck
 }
 
 need_fuzzers() {
