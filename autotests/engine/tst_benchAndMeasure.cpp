@@ -40,6 +40,7 @@ private slots:
     void withoutTest();
     void singlePrecision_data();
     void singlePrecision();
+    void totalOfUnroundedSpans();
     void clockThatIsSet_data();
     void clockThatIsSet();
     void clockIsReadTwice();
@@ -167,6 +168,21 @@ void tst_benchAndMeasure::singlePrecision()
     QVERIFY(measurement.getMinimum() == float(span));
     QVERIFY(measurement.getMaximum() == float(span));
     QVERIFY(measurement.getTotal() == float(span));
+}
+
+/// The span between two single-precision readings has more digits than one of them. It is added to
+/// the total with all of them, and only the sum is rounded.
+void tst_benchAndMeasure::totalOfUnroundedSpans()
+{
+    test.onRun = [] { fakeClock::pass(milliseconds(1)); };
+    measurement.measure(&test);
+    fakeClock::pass(milliseconds(1));
+    test.onRun = [] { fakeClock::pass(milliseconds(100)); };
+    const double span = spanBetween(2, 102);
+    QVERIFY(double(float(span)) != span);
+    QVERIFY(float(0.001F + float(span)) != float(double(0.001F) + span));
+    QVERIFY(measurement.measure(&test) == float(span));
+    QVERIFY(measurement.getTotal() == float(double(0.001F) + span));
 }
 
 void tst_benchAndMeasure::clockThatIsSet_data()

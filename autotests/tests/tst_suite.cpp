@@ -20,7 +20,6 @@ private slots:
     void order();
     void facts_data() { everyTest_data(); }
     void facts();
-    void singleOnly();
     void printTargets();
     void everyTest_data();
     void failingAllocations_data() { everyTest_data(); }
@@ -65,13 +64,6 @@ void tst_suite::facts()
     QVERIFY(description.endsWith(QLatin1Char('.')));
     QVERIFY2(!facts.isInFullRuns() || facts.workload.demand.instructions > 0,
              "the model of machines needs the demand of a test in full runs");
-}
-
-/// The test that is not part of a full run is the last one of the list.
-void tst_suite::singleOnly()
-{
-    for (const testFacts &facts : suiteFacts())
-        QCOMPARE(!facts.isInFullRuns(), QByteArray(facts.name) == "rotozoom 'no'");
 }
 
 /// The rotozoomers alone are handed the print hook.
