@@ -54,6 +54,7 @@ need_display_tools() {
 
 need_test_tools() {
     need has_command objdump binutils
+    need has_header tl/expected.hpp libexpected-dev
     need has_cmake_package benchmark libbenchmark-dev
     need has_file qt5/plugins/sqldrivers/libqsqlpsql.so libqt5sql5-psql
     need has_file 'postgresql/*/bin/initdb' postgresql

@@ -1,45 +1,49 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <tl/expected.hpp>
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-#include <QVector>
+
+#include <functional>
 
 namespace reference
 {
 
-/// One line of a table, whose cells are taken as texts or numbers. The first cell that is not what
-/// it should be is kept as the error.
+/// One row of a table. The first cell that cannot be read makes the row's error.
 class csvRow
 {
 public:
-    csvRow(const QString &place, const QStringList &columns, const QStringList &cells);
+    /// @p cells holds one cell for each of @p columns.
+    csvRow(const QStringList &columns, const QStringList &cells);
 
-    QString text(const char *column) const;
-    /// A decimal number from @p lowest to @p highest.
+    /// The cell as it is, blanks included; an empty one is an error.
+    QString text(const char *column);
+    /// A decimal number from @p lowest to @p highest; anything else reads as @p lowest.
     double number(const char *column, double lowest, double highest);
     /// A whole number from @p lowest to @p highest.
     int count(const char *column, int lowest, int highest);
-    /// Notes @p what as the error of this row, unless there is one already.
+    /// Sets the error unless there is one.
     void fail(const QString &what);
 
-    /// Names the table, the line and what is wrong; empty if nothing is.
+    /// What is wrong with this row; empty if nothing is.
     QString error() const { return firstError; }
 
 private:
-    QString where;
+    QString cell(const char *column) const;
+
     QStringList columnNames;
     QStringList cellTexts;
     QString firstError;
 };
 
-/// Splits @p content, which is called @p name in messages, into rows below the header @p columns.
-///
-/// The format is ASCII with LF after every line and a comma between cells; there is no quoting, and
-/// a cell is not empty. Blanks belong to the cell. On a fault, @p error says what and where, and
-/// there are no rows.
-QVector<csvRow> readCsv(const QString &name, const QByteArray &content, const QStringList &columns,
-                        QString &error);
+/// Calls @p read for each row of @p csv, whose first line must be @p columns. Cells are separated
+/// by commas and are not quoted. Stops at the first error and returns it with the table's @p name
+/// and the line.
+tl::expected<void, QString> readRows(const QString &name, const QByteArray &csv,
+                                     const QString &columns,
+                                     const std::function<void(csvRow &)> &read);
 
 } // namespace reference

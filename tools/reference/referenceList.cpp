@@ -18,7 +18,7 @@ const char warning[] =
     "are computed from public facts (docs/reference-model.md) and are to be replaced by measured "
     "uploads. ";
 
-/// The clock of the table is a whole number of megahertz.
+/// Exact: clocks in the table are whole megahertz.
 quint64 hertzOf(const machine &m)
 {
     return static_cast<quint64>(m.nominalMhz) * 1000000U;
@@ -43,11 +43,11 @@ benchResults modelledMachine(const machine &m, const tables &facts, const QVecto
     return result;
 }
 
-QByteArray machineList(const tables &facts, QString &error)
+tl::expected<QByteArray, QString> machineList(const tables &facts)
 {
-    const QVector<double> factors = calibrationFactors(facts, error);
-    if (factors.isEmpty())
-        return {};
+    const auto factors = calibrationFactors(facts);
+    if (!factors)
+        return tl::make_unexpected(factors.error());
     QByteArray text;
     QXmlStreamWriter xml(&text);
     xml.setAutoFormatting(true);
@@ -55,24 +55,24 @@ QByteArray machineList(const tables &facts, QString &error)
     xml.writeComment(QString::fromLatin1(warning));
     xml.writeStartElement(QStringLiteral("Fennick"));
     for (const machine &m : facts.machines)
-        writeMachine(xml, modelledMachine(m, facts, factors), hertzOf(m));
+        writeMachine(xml, modelledMachine(m, facts, *factors), hertzOf(m));
     xml.writeEndElement();
     text = text.trimmed() + '\n';
     return text.replace('\n', "\r\n");
 }
 
-QByteArray factorTable(const tables &facts, QString &error)
+tl::expected<QByteArray, QString> factorTable(const tables &facts)
 {
-    const QVector<double> factors = calibrationFactors(facts, error);
-    if (factors.isEmpty())
-        return {};
+    const auto factors = calibrationFactors(facts);
+    if (!factors)
+        return tl::make_unexpected(factors.error());
     QByteArray text = "| test | measured | modelled | factor |\n|---|---|---|---|\n";
-    for (int i = 0; i < factors.size(); ++i) {
+    for (int i = 0; i < factors->size(); ++i) {
         const modelledTest &test = modelledTests().at(i);
         text += "| " + test.name.toUtf8() + " | "
                 + QByteArray::number(facts.calibration.at(i).result, 'g', 4) + " | "
                 + QByteArray::number(modelled(test, facts.calibrationMachine, facts), 'g', 4)
-                + " | " + numberText(factors.at(i), 2) + " |\n";
+                + " | " + numberText(factors->at(i), 2) + " |\n";
     }
     return text;
 }

@@ -11,14 +11,15 @@
 namespace reference
 {
 
-/// The modelled results of @p m. @p factors are those of the tests, and one for each.
+/// The modelled results of @p m; @p factors holds one factor for each of modelledTests.
 benchResults modelledMachine(const machine &m, const tables &facts, const QVector<double> &factors);
 
-/// The list of machines that is embedded in the programs, as XML with CR LF at line ends. Empty
-/// with a sentence in @p error if the measured results are not those of the tests.
-QByteArray machineList(const tables &facts, QString &error);
+/// The list of machines that is embedded in the programs, as XML with CR LF line ends; an error if
+/// the measured results are not those of the tests.
+tl::expected<QByteArray, QString> machineList(const tables &facts);
 
-/// How the model stands to the measured results of the calibration machine, as a table in Markdown.
-QByteArray factorTable(const tables &facts, QString &error);
+/// The calibration as a Markdown table: for each test the measured result, the modelled one before
+/// calibration, and the factor between them. The same error as machineList.
+tl::expected<QByteArray, QString> factorTable(const tables &facts);
 
 } // namespace reference

@@ -38,9 +38,9 @@ double memoryBound(const modelledTest &test, const machine &m, const tables &fac
 /// The result before calibration: what the cores could do, or what the memory allows.
 double modelled(const modelledTest &test, const machine &m, const tables &facts);
 
-/// Measured divided by modelled result on the calibration machine, for each of modelledTests. Empty
-/// with a sentence in @p error if the measured results are not those of the tests.
-QVector<double> calibrationFactors(const tables &facts, QString &error);
+/// Measured divided by modelled result on the calibration machine, for each of modelledTests; an
+/// error if the measured results are not those of the tests.
+tl::expected<QVector<double>, QString> calibrationFactors(const tables &facts);
 
 /// The result of @p m, corrected by @p factor and never above what the memory allows.
 double estimate(const modelledTest &test, const machine &m, const tables &facts, double factor);

@@ -12,17 +12,22 @@ namespace reference
 namespace
 {
 
-QStringList columnsOf(const char *commaSeparated)
-{
-    return QString::fromLatin1(commaSeparated).split(QLatin1Char(','));
-}
+const QString coresName = QStringLiteral("microarchitectures.csv");
+const QString machinesName = QStringLiteral("machines.csv");
+const QString othersName = QStringLiteral("other-cores.csv");
+const QString calibratedName = QStringLiteral("calibration-machine.csv");
+const QString calibrationName = QStringLiteral("calibration.csv");
 
-void requireCount(const QString &name, int count, int expected, QString &error)
+/// @p rows if there are as many as expected.
+template <typename Rows>
+tl::expected<Rows, QString> counted(const tl::expected<Rows, QString> &rows, const QString &name,
+                                    int expected)
 {
-    if (error.isEmpty() && count != expected) {
-        error = QStringLiteral("%1: %2 rows instead of %3")
-                    .arg(name, QString::number(count), QString::number(expected));
-    }
+    if (!rows || rows->size() == expected)
+        return rows;
+    return tl::make_unexpected(
+        QStringLiteral("%1: %2 rows instead of %3")
+            .arg(name, QString::number(rows->size()), QString::number(expected)));
 }
 
 core coreOf(csvRow &row)
@@ -55,7 +60,8 @@ machine machineOf(csvRow &row)
     m.nominalMhz = row.number("nominal_mhz", 100, 10000);
     m.boostMhz = row.number("boost_mhz", m.nominalMhz, 10000);
     m.bandwidth = row.number("mem_gbps", 0.1, 10000);
-    if (!columnsOf("windows,linux,android").contains(m.os))
+    if (m.os != QLatin1String("windows") && m.os != QLatin1String("linux")
+        && m.os != QLatin1String("android"))
         row.fail(QStringLiteral("os is '%1'").arg(m.os));
     return m;
 }
@@ -67,7 +73,7 @@ void requireCore(csvRow &row, const QMap<QString, core> &cores)
         row.fail(QStringLiteral("unknown microarchitecture '%1'").arg(name));
 }
 
-/// The number of cores that the machines with processor @p cpu have, 0 if there are none.
+/// The number of cores of the machines with processor @p cpu; 0 if there is no such machine.
 int coresOf(const QString &cpu, const QVector<machine> &machines)
 {
     for (const machine &m : machines) {
@@ -85,100 +91,95 @@ QByteArray contentOf(const QDir &directory, const QString &name)
 
 } // namespace
 
-QMap<QString, core> readCores(const QByteArray &csv, QString &error)
+tl::expected<QMap<QString, core>, QString> readCores(const QByteArray &csv)
 {
-    const QString name = QStringLiteral("microarchitectures.csv");
     QMap<QString, core> cores;
-    for (csvRow row :
-         readCsv(name, csv,
-                 columnsOf("microarchitecture,year,isa,int_ipc,fp_mul_latency,fp_add_latency,"
-                           "fp_div_latency,fp_sqrt_throughput,load_ipc,branch_penalty,smt_gain,"
-                           "stream_efficiency"),
-                 error)) {
-        const core c = coreOf(row);
-        if (cores.contains(c.name))
-            row.fail(QStringLiteral("'%1' is there twice").arg(c.name));
-        if (error.isEmpty())
-            error = row.error();
-        cores.insert(c.name, c);
-    }
-    return cores;
+    return readRows(coresName, csv,
+                    QStringLiteral("microarchitecture,year,isa,int_ipc,fp_mul_latency,"
+                                   "fp_add_latency,fp_div_latency,fp_sqrt_throughput,load_ipc,"
+                                   "branch_penalty,smt_gain,stream_efficiency"),
+                    [&cores](csvRow &row) {
+                        const core c = coreOf(row);
+                        if (cores.contains(c.name))
+                            row.fail(QStringLiteral("duplicate '%1'").arg(c.name));
+                        cores.insert(c.name, c);
+                    })
+        .map([&cores] { return cores; });
 }
 
-QVector<machine> readMachines(const QString &name, const QByteArray &csv,
-                              const QMap<QString, core> &cores, QString &error)
+tl::expected<QVector<machine>, QString> readMachines(const QString &name, const QByteArray &csv,
+                                                     const QMap<QString, core> &cores)
 {
     QVector<machine> machines;
-    for (csvRow row : readCsv(name, csv,
-                              columnsOf("name,os,cpu,microarchitecture,cores,threads,nominal_mhz,"
-                                        "boost_mhz,mem_gbps"),
-                              error)) {
-        machines.append(machineOf(row));
-        requireCore(row, cores);
-        if (error.isEmpty())
-            error = row.error();
-    }
-    return machines;
+    return readRows(name, csv,
+                    QStringLiteral("name,os,cpu,microarchitecture,cores,threads,nominal_mhz,"
+                                   "boost_mhz,mem_gbps"),
+                    [&](csvRow &row) {
+                        machines.append(machineOf(row));
+                        requireCore(row, cores);
+                    })
+        .map([&machines] { return machines; });
 }
 
-QMap<QString, QVector<otherCores>> readOtherCores(const QByteArray &csv, const tables &known,
-                                                  QString &error)
+tl::expected<QMap<QString, QVector<otherCores>>, QString> readOtherCores(const QByteArray &csv,
+                                                                         const tables &known)
 {
     QMap<QString, QVector<otherCores>> others;
     QMap<QString, int> counts;
-    for (csvRow row : readCsv(QStringLiteral("other-cores.csv"), csv,
-                              columnsOf("cpu,microarchitecture,cores,mhz"), error)) {
-        const QString cpu = row.text("cpu");
-        const otherCores group = {row.text("microarchitecture"), row.count("cores", 1, 1024),
-                                  row.number("mhz", 100, 10000)};
-        requireCore(row, known.cores);
-        counts[cpu] += group.count;
-        if (counts.value(cpu) >= coresOf(cpu, known.machines))
-            row.fail(QStringLiteral("no machine with cpu '%1' has a core left").arg(cpu));
-        if (error.isEmpty())
-            error = row.error();
-        others[cpu].append(group);
-    }
-    return others;
+    return readRows(
+               othersName, csv, QStringLiteral("cpu,microarchitecture,cores,mhz"),
+               [&](csvRow &row) {
+                   const QString cpu = row.text("cpu");
+                   const otherCores group = {row.text("microarchitecture"),
+                                             row.count("cores", 1, 1024),
+                                             row.number("mhz", 100, 10000)};
+                   requireCore(row, known.cores);
+                   counts[cpu] += group.count;
+                   if (counts.value(cpu) >= coresOf(cpu, known.machines))
+                       row.fail(
+                           QStringLiteral("no machine with cpu '%1' has a big core left").arg(cpu));
+                   others[cpu].append(group);
+               })
+        .map([&others] { return others; });
 }
 
-QVector<measuredResult> readCalibration(const QByteArray &csv, QString &error)
+tl::expected<QVector<measuredResult>, QString> readCalibration(const QByteArray &csv)
 {
     QVector<measuredResult> results;
-    for (csvRow row :
-         readCsv(QStringLiteral("calibration.csv"), csv, columnsOf("test,result"), error)) {
-        results.append({row.text("test"), row.number("result", 1e-6, 1e6)});
-        if (error.isEmpty())
-            error = row.error();
-    }
-    return results;
+    return readRows(calibrationName, csv, QStringLiteral("test,result"),
+                    [&results](csvRow &row) {
+                        results.append({row.text("test"), row.number("result", 1e-6, 1e6)});
+                    })
+        .map([&results] { return results; });
 }
 
-bool readTables(const QString &directory, tables &read, QString &error)
+tl::expected<tables, QString> readTables(const QString &directory)
 {
     const QDir from(directory);
-    const QString machinesName = QStringLiteral("machines.csv");
-    const QString calibrationName = QStringLiteral("calibration-machine.csv");
-    error.clear();
-    read.cores = readCores(contentOf(from, QStringLiteral("microarchitectures.csv")), error);
-    requireCount(QStringLiteral("microarchitectures.csv"), read.cores.size(), coreCount, error);
-    if (!error.isEmpty())
-        return false;
-    read.machines = readMachines(machinesName, contentOf(from, machinesName), read.cores, error);
-    requireCount(machinesName, read.machines.size(), machineCount, error);
-    if (!error.isEmpty())
-        return false;
-    read.others = readOtherCores(contentOf(from, QStringLiteral("other-cores.csv")), read, error);
-    if (!error.isEmpty())
-        return false;
-    const QVector<machine> calibrated =
-        readMachines(calibrationName, contentOf(from, calibrationName), read.cores, error);
-    requireCount(calibrationName, calibrated.size(), 1, error);
-    if (!error.isEmpty())
-        return false;
+    tables read;
+    QVector<machine> calibrated;
+    QString error;
+    const auto take = [&error](const auto &result, auto &into) {
+        if (result)
+            into = *result;
+        else
+            error = result.error();
+        return result.has_value();
+    };
+    const bool isComplete =
+        take(counted(readCores(contentOf(from, coresName)), coresName, coreCount), read.cores)
+        && take(counted(readMachines(machinesName, contentOf(from, machinesName), read.cores),
+                        machinesName, machineCount),
+                read.machines)
+        && take(readOtherCores(contentOf(from, othersName), read), read.others)
+        && take(counted(readMachines(calibratedName, contentOf(from, calibratedName), read.cores),
+                        calibratedName, 1),
+                calibrated)
+        && take(readCalibration(contentOf(from, calibrationName)), read.calibration);
+    if (!isComplete)
+        return tl::make_unexpected(error);
     read.calibrationMachine = calibrated.first();
-    read.calibration = readCalibration(contentOf(from, QStringLiteral("calibration.csv")), error);
-    return error.isEmpty();
+    return read;
 }
 
 } // namespace reference

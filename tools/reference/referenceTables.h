@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <tl/expected.hpp>
+
 #include <QByteArray>
 #include <QMap>
 #include <QString>
@@ -9,23 +11,24 @@
 namespace reference
 {
 
-/// What the model knows of a processor core. Latencies and penalties are in cycles.
+/// What the model knows about a processor core. Latencies and penalties are in cycles.
 struct core {
     QString name;
     int year = 0;
     QString isa;
-    /// Scalar integer work per clock, in that of a Skylake core.
+    /// Scalar integer work per clock, relative to Skylake.
     double integerRate = 0;
     double multiplyLatency = 0;
     double addLatency = 0;
     double divideLatency = 0;
-    /// From the start of a square root to that of the next.
+    /// Reciprocal throughput of square roots: cycles from the start of one to the start of the
+    /// next.
     double rootInterval = 0;
     double loadsPerCycle = 0;
     double branchPenalty = 0;
-    /// Throughput with both threads of a core busy, in that with one.
+    /// Throughput with both hardware threads busy, relative to one.
     double threadGain = 0;
-    /// The share of the machine's bandwidth that one core can use.
+    /// Share of the machine's memory bandwidth that one core can use.
     double streamShare = 0;
 };
 
@@ -33,34 +36,34 @@ struct machine {
     QString name;
     QString os;
     QString cpu;
-    /// A key of the cores; the big core where there are several kinds.
+    /// Key into tables::cores; names the big core of a hybrid processor.
     QString coreName;
     int cores = 0;
     int threads = 0;
     double nominalMhz = 0;
     double boostMhz = 0;
-    /// 10^9 bytes per second.
+    /// Peak memory bandwidth in 10^9 bytes per second.
     double bandwidth = 0;
 };
 
-/// Cores of a processor that are not its big ones.
+/// Cores of a hybrid processor other than its big ones.
 struct otherCores {
     QString coreName;
     int count = 0;
     double mhz = 0;
 };
 
-/// A result that was measured on the calibration machine.
+/// A result measured on the calibration machine.
 struct measuredResult {
     QString test;
     double result = 0;
 };
 
-/// What the model computes from: facts, and the measured results of one machine.
+/// The model's input: facts about processors, and the results measured on one machine.
 struct tables {
     QMap<QString, core> cores;
     QVector<machine> machines;
-    /// By the processor's name.
+    /// Keyed by machine::cpu.
     QMap<QString, QVector<otherCores>> others;
     machine calibrationMachine;
     QVector<measuredResult> calibration;
@@ -69,16 +72,17 @@ struct tables {
 constexpr int machineCount = 167;
 constexpr int coreCount = 73;
 
-// Each function reads one table. On a fault, error says what and where.
+// Each function reads one table, or returns what is wrong and where.
 
-QMap<QString, core> readCores(const QByteArray &csv, QString &error);
-QVector<machine> readMachines(const QString &name, const QByteArray &csv,
-                              const QMap<QString, core> &cores, QString &error);
-QMap<QString, QVector<otherCores>> readOtherCores(const QByteArray &csv, const tables &known,
-                                                  QString &error);
-QVector<measuredResult> readCalibration(const QByteArray &csv, QString &error);
+tl::expected<QMap<QString, core>, QString> readCores(const QByteArray &csv);
+tl::expected<QVector<machine>, QString> readMachines(const QString &name, const QByteArray &csv,
+                                                     const QMap<QString, core> &cores);
+/// @p known holds the cores and machines.
+tl::expected<QMap<QString, QVector<otherCores>>, QString> readOtherCores(const QByteArray &csv,
+                                                                         const tables &known);
+tl::expected<QVector<measuredResult>, QString> readCalibration(const QByteArray &csv);
 
-/// Reads all tables in @p directory. False on a fault, which @p error tells.
-bool readTables(const QString &directory, tables &read, QString &error);
+/// Reads all tables in @p directory.
+tl::expected<tables, QString> readTables(const QString &directory);
 
 } // namespace reference
