@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <limits>
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -20,7 +20,7 @@ qint32 channelMean(qint32 from, qint32 to, qint64 share)
     return static_cast<qint32>(roundedQuotient(from * (256 - share) + to * share, 256));
 }
 
-/// The number of the first sample whose centre lies right of or below @p position.
+/// The index of the first sample whose centre lies to the right of, or below, @p position.
 qint64 firstSampleAfter(qint64 position)
 {
     return floorQuotient(position - step / 2, step) + 1;
@@ -64,14 +64,14 @@ void collectCrossings(const shape &outline, qint64 y, std::vector<qint64> &cross
 
 } // namespace
 
-colour material::mix(const colour &from, const colour &to, qint64 share)
+colour artwork::mix(const colour &from, const colour &to, qint64 share)
 {
     const qint64 s = std::clamp<qint64>(share, 0, 256);
     return {channelMean(from.red, to.red, s), channelMean(from.green, to.green, s),
             channelMean(from.blue, to.blue, s)};
 }
 
-colour material::colourAt(const gradient &stops, qint64 position)
+colour artwork::colourAt(const gradient &stops, qint64 position)
 {
     if (position <= stops.front().first)
         return stops.front().second;
@@ -84,17 +84,17 @@ colour material::colourAt(const gradient &stops, qint64 position)
     return stops.back().second;
 }
 
-paint material::flat(const colour &tint)
+paint artwork::flat(const colour &tint)
 {
     return [tint](point, colour) { return tint; };
 }
 
-paint material::radial(point centre, const gradient &stops)
+paint artwork::radial(point centre, const gradient &stops)
 {
     return [=](point p, colour) { return colourAt(stops, distance(p, centre)); };
 }
 
-paint material::linear(point from, point to, const gradient &stops)
+paint artwork::linear(point from, point to, const gradient &stops)
 {
     const qint64 dx = to.x - from.x;
     const qint64 dy = to.y - from.y;
@@ -104,12 +104,12 @@ paint material::linear(point from, point to, const gradient &stops)
     };
 }
 
-paint material::translucent(const paint &over, qint64 opacity)
+paint artwork::translucent(const paint &over, qint64 opacity)
 {
     return [=](point p, colour below) { return mix(below, over(p, below), opacity); };
 }
 
-paint material::glow(point centre, qint64 radius, const colour &tint, qint64 opacity)
+paint artwork::glow(point centre, qint64 radius, const colour &tint, qint64 opacity)
 {
     return [=](point p, colour below) {
         const qint64 nearness = std::max<qint64>(0, radius - distance(p, centre));

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace material
+namespace artwork
 {
 
 struct colour {
@@ -20,20 +20,20 @@ struct colour {
     bool operator==(const colour &) const = default;
 };
 
-/// A colour from its usual six hexadecimal digits.
+/// A colour from six hexadecimal digits, as in 0xRRGGBB.
 constexpr colour hex(quint32 digits)
 {
     return {static_cast<qint32>(digits >> 16 & 0xFFU), static_cast<qint32>(digits >> 8 & 0xFFU),
             static_cast<qint32>(digits & 0xFFU)};
 }
 
-/// @p from at share 0, @p to at share 256; shares outside are brought to the nearer end.
+/// @p from at share 0, @p to at share 256, a blend between; other shares are clamped.
 colour mix(const colour &from, const colour &to, qint64 share);
 
-/// Gives the new colour of a place on the canvas from the place and the colour below.
+/// Computes the new colour of a point on the canvas from the point and the colour below.
 using paint = std::function<colour(point, colour)>;
 
-/// Positions in ascending order, each with its colour; what lies outside takes the end's colour.
+/// Positions in ascending order, each with its colour. Beyond the ends, the end colours continue.
 using gradient = std::vector<std::pair<qint64, colour>>;
 
 colour colourAt(const gradient &stops, qint64 position);
@@ -42,27 +42,27 @@ paint flat(const colour &tint);
 paint radial(point centre, const gradient &stops);
 /// Position 0 lies at @p from, position 256 at @p to.
 paint linear(point from, point to, const gradient &stops);
-/// Lets the colour below shine through: 256 is opaque.
+/// Blends @p over with the colour below; an opacity of 256 hides it.
 paint translucent(const paint &over, qint64 opacity);
 /// A glow that fades from @p opacity at @p centre to nothing at @p radius.
 paint glow(point centre, qint64 radius, const colour &tint, qint64 opacity);
 
-/// A square picture without a border: what leaves it on one side comes in on the opposite one. It
-/// is painted with 4 x 4 samples per pixel, so that edges come out smooth.
+/// A square picture that tiles without a seam: what leaves it on one side enters on the opposite
+/// one. It has 4 x 4 samples per pixel, for smooth edges.
 class canvas
 {
 public:
     /// @p side is in pixels.
     explicit canvas(qint32 side);
 
-    /// Paints the inside of @p outline by the even-odd rule. A place is given to the paint where
-    /// the outline has it, not where it comes back in.
+    /// Paints the inside of @p outline by the even-odd rule. The paint gets the points as they are
+    /// in the outline, also where they wrap around to the opposite side.
     void fill(const shape &outline, const paint &how);
     void fillAll(const paint &how);
     /// Draws along the closed contours of @p outline, @p width units wide.
     void stroke(const shape &outline, qint32 width, const paint &how);
 
-    /// The picture with 24 bits per pixel, every pixel the mean of its samples.
+    /// The picture with 24 bits per pixel; each pixel is the mean of its samples.
     QImage toImage() const;
 
 private:
@@ -72,4 +72,4 @@ private:
     std::vector<colour> samples;
 };
 
-} // namespace material
+} // namespace artwork

@@ -3,10 +3,10 @@
 
 #include "tools/artwork/canvas.h"
 
-namespace material
+namespace artwork
 {
 
-/// Paints on a canvas with shapes and paints that are described around an origin of their own.
+/// Paints on a canvas, with shapes and paints in coordinates relative to an origin.
 class easel
 {
 public:
@@ -17,7 +17,7 @@ public:
         target.fill(moved(part, origin), placed(how));
     }
 
-    /// Paints @p part and its mirror image at the y axis.
+    /// Paints @p part and its mirror image across the y axis.
     void fillBoth(const shape &part, const paint &how)
     {
         fill(part, how);
@@ -41,4 +41,4 @@ private:
     point origin;
 };
 
-} // namespace material
+} // namespace artwork

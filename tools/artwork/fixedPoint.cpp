@@ -10,21 +10,21 @@ namespace
 constexpr int fraction = 28;
 constexpr qint64 halfPi = 421657428; // pi / 2 with 28 fraction bits
 
-/// The series of the sine for an angle between 0 and a quarter turn.
+/// The sine of an angle between 0 and a quarter turn, by its Taylor series.
 constexpr qint32 sineOfQuarter(qint64 angle)
 {
-    const qint64 x = angle * halfPi / (material::fullTurn / 4);
+    const qint64 x = angle * halfPi / (artwork::fullTurn / 4);
     qint64 term = x;
     qint64 sum = x;
     for (qint64 n = 2; n <= 14; n += 2) {
         term = -(term * x / (qint64(1) << fraction)) * x / (qint64(1) << fraction) / (n * (n + 1));
         sum += term;
     }
-    constexpr qint64 excess = (qint64(1) << fraction) / material::unity;
+    constexpr qint64 excess = (qint64(1) << fraction) / artwork::unity;
     return static_cast<qint32>((sum + excess / 2) / excess);
 }
 
-using quarterTable = std::array<qint32, material::fullTurn / 4 + 1>;
+using quarterTable = std::array<qint32, artwork::fullTurn / 4 + 1>;
 
 quarterTable makeQuarter()
 {
@@ -36,7 +36,7 @@ quarterTable makeQuarter()
 
 } // namespace
 
-qint32 material::sine(qint32 angle)
+qint32 artwork::sine(qint32 angle)
 {
     static const quarterTable quarter = makeQuarter();
     constexpr qint32 half = fullTurn / 2;
@@ -47,7 +47,7 @@ qint32 material::sine(qint32 angle)
     return turned < half ? value : -value;
 }
 
-qint64 material::squareRoot(qint64 value)
+qint64 artwork::squareRoot(qint64 value)
 {
     qint64 root = 0;
     qint64 rest = value;

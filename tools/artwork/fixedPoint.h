@@ -3,14 +3,14 @@
 
 #include <QtGlobal>
 
-/// Integer arithmetic for the embedded material, so that it comes out the same on every machine:
-/// what a mathematical library or a contracted multiplication rounds differently is never used.
-namespace material
+/// Integer arithmetic, so that pictures and points come out the same on every machine: mathematical
+/// libraries and contracted multiplications round differently from one to the next.
+namespace artwork
 {
 
-/// Angles count in 4096ths of a turn.
+/// Angles are in 4096ths of a turn.
 constexpr qint32 fullTurn = 4096;
-/// Sines and factors count in 16384ths.
+/// Sines are in 16384ths.
 constexpr qint32 unity = 16384;
 
 /// The sine of any angle.
@@ -21,7 +21,7 @@ inline qint32 cosine(qint32 angle)
     return sine(angle + fullTurn / 4);
 }
 
-/// The greatest integer whose square is at most @p value, which is not negative.
+/// The square root of @p value, which is not negative, rounded down.
 qint64 squareRoot(qint64 value);
 
 /// @p dividend / @p divisor rounded down; the divisor is positive.
@@ -31,10 +31,10 @@ constexpr qint64 floorQuotient(qint64 dividend, qint64 divisor)
     return dividend % divisor < 0 ? quotient - 1 : quotient;
 }
 
-/// @p dividend / @p divisor rounded to the nearest, halves up; the divisor is positive.
+/// @p dividend / @p divisor rounded to nearest, halves up; the divisor is positive.
 constexpr qint64 roundedQuotient(qint64 dividend, qint64 divisor)
 {
     return floorQuotient(2 * dividend + divisor, 2 * divisor);
 }
 
-} // namespace material
+} // namespace artwork

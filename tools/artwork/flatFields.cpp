@@ -6,7 +6,7 @@
 #include <array>
 #include <cstddef>
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -27,7 +27,7 @@ shape box(qint32 left, qint32 top, qint32 right, qint32 bottom)
     return rectangle(at(left, top), at(right, bottom));
 }
 
-/// The ring of a C, open to the right.
+/// The letter C: a ring that is open to the right.
 shape openRing()
 {
     constexpr qint32 from = fullTurn * 3 / 8;
@@ -146,7 +146,7 @@ void paintFoxEmblem(easel &field)
 
 } // namespace
 
-void material::paintFlatField(easel &field, int number)
+void artwork::paintFlatField(easel &field, int number)
 {
     struct design {
         char letter;

@@ -3,7 +3,7 @@
 
 #include "tools/artwork/easel.h"
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -109,7 +109,7 @@ void paintJewel(easel &head)
 
 } // namespace
 
-void material::paintFoxHead(canvas &picture, point centre)
+void artwork::paintFoxHead(canvas &picture, point centre)
 {
     easel head(picture, centre);
     paintEars(head);

@@ -3,11 +3,11 @@
 
 #include "tools/artwork/canvas.h"
 
-namespace material
+namespace artwork
 {
 
-/// Paints a desert fox's head, from the ears' tips 118 pixels above @p centre to the chin 74 pixels
-/// below; a jewel on its brow marks the very centre.
+/// Paints a desert fox's head, from the tips of the ears 118 pixels above @p centre to the chin 74
+/// pixels below it; the jewel on its brow is the centre.
 void paintFoxHead(canvas &picture, point centre);
 
-} // namespace material
+} // namespace artwork

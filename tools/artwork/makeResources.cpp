@@ -13,7 +13,7 @@
 namespace
 {
 
-/// Says what went wrong, if anything did.
+/// Reports a file that could not be written.
 bool report(bool succeeded, const QString &path)
 {
     if (!succeeded)
@@ -35,11 +35,11 @@ bool writeText(const QString &path, const QByteArray &text)
 
 } // namespace
 
-/// Makes the pictures and the point list that are embedded in the programs.
+/// Makes the pictures and the point list that are embedded in the programs, in a directory.
 int main(int argc, char **argv)
 {
     if (argc != 2) {
-        std::fprintf(stderr, "Usage: %s <directory>\n", argv[0]);
+        std::fprintf(stderr, "Usage: %s DIRECTORY\n", argv[0]);
         return 2;
     }
     const QDir directory(QFile::decodeName(argv[1]));
@@ -47,9 +47,9 @@ int main(int argc, char **argv)
         return directory.filePath(QString::fromLatin1(name));
     };
     const bool picturesWritten =
-        writePicture(path("pic4_512_512.png"), material::ornamentPicture())
-        && writePicture(path("pic2_512_512.png"), material::patchworkPicture());
+        writePicture(path("pic4_512_512.png"), artwork::ornamentPicture())
+        && writePicture(path("pic2_512_512.png"), artwork::patchworkPicture());
     const bool written =
-        picturesWritten && writeText(path("wPoints.txt"), material::pointCloudText());
+        picturesWritten && writeText(path("wPoints.txt"), artwork::pointCloudText());
     return written ? 0 : 1;
 }

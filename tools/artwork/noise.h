@@ -3,16 +3,16 @@
 
 #include "tools/artwork/shape.h"
 
-namespace material
+namespace artwork
 {
 
-/// A number from 0 to 65535 that belongs to a place: always the same, without a visible pattern.
-quint32 scattered(qint32 x, qint32 y, quint32 seed);
+/// A hash from 0 to 65535 of a place, without a visible pattern.
+quint32 placeHash(qint32 x, qint32 y, quint32 seed);
 
-/// Smooth noise from 0 to 1023 whose bumps are about @p size canvas units wide.
+/// Value noise from 0 to 1023 on a grid of @p size canvas units.
 qint32 smoothNoise(point p, qint32 size, quint32 seed);
 
-/// Smooth noise with finer noise on top, from 0 to 1023.
+/// Four octaves of smooth noise, the coarsest on a grid of @p size canvas units; from 0 to 1023.
 qint32 cloudNoise(point p, qint32 size, quint32 seed);
 
-} // namespace material
+} // namespace artwork

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <utility>
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -24,7 +24,7 @@ shape placed(const shape &part, qint32 angle, point centre)
     return moved(turned(part, angle), centre);
 }
 
-/// Night: bright around the middle of the tile, darkest between the ornaments.
+/// A night sky, brightest in the middle of the tile and darkest between the ornaments.
 void paintNight(canvas &picture)
 {
     const gradient sky = {
@@ -36,7 +36,7 @@ void paintNight(canvas &picture)
     });
 }
 
-/// A wreath of two-faced petals, @p tints from the base to the tip.
+/// A wreath of petals with a light and a shaded half, with @p tints from base to tip.
 void paintWreath(canvas &picture, point centre, qint32 count, qint32 firstAngle, const shape &leaf,
                  const gradient &tints)
 {
@@ -93,7 +93,7 @@ void paintBeads(canvas &picture, point centre, qint32 count, qint32 radius, qint
     }
 }
 
-/// The disk behind the fox: rays in a sky of dusk within a ring of gold and beads.
+/// The disk behind the fox: rays in a sky at dusk, framed by a ring of gold and beads.
 void paintDisk(canvas &picture)
 {
     picture.fill(circle(middle, 139 * pixel), flat(ink));
@@ -178,7 +178,7 @@ void paintStars(canvas &picture)
 
 } // namespace
 
-QImage material::ornamentPicture()
+QImage artwork::ornamentPicture()
 {
     canvas picture(side);
     paintNight(picture);

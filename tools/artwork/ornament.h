@@ -3,11 +3,11 @@
 
 #include <QImage>
 
-namespace material
+namespace artwork
 {
 
-/// The picture that the rotozoomer turns and the Shell sort sorts: a desert fox amid an ornament of
-/// petals under a night sky. 512 x 512, a palette of 256 colours, no seam when laid side by side.
+/// The picture that the rotozoom test turns and the Shell sort test sorts: a desert fox in an
+/// ornament of petals under a night sky. 512 x 512, a palette of 256 colours, tiles without a seam.
 QImage ornamentPicture();
 
-} // namespace material
+} // namespace artwork

@@ -66,12 +66,12 @@ channels mean(const colourBox &box)
         qint64 sum = 0;
         for (const countedColour &c : box)
             sum += c.value[k] * c.count;
-        result[k] = material::roundedQuotient(sum, population(box));
+        result[k] = artwork::roundedQuotient(sum, population(box));
     }
     return result;
 }
 
-/// The channel in which the colours of a box differ most, and the sum of the squared differences.
+/// The greatest sum of squared differences from the mean in one channel, and that channel.
 std::pair<qint64, std::size_t> widestChannel(const colourBox &box)
 {
     const channels centre = mean(box);
@@ -85,7 +85,7 @@ std::pair<qint64, std::size_t> widestChannel(const colourBox &box)
     return widest;
 }
 
-/// Takes the colours above the mean of the widest channel out of @p box.
+/// Moves the colours above the mean of the widest channel from @p box into a new one.
 colourBox splitOff(colourBox &box)
 {
     const std::size_t k = widestChannel(box).second;
@@ -135,7 +135,7 @@ std::size_t nearest(const std::vector<channels> &palette, const channels &c)
     return static_cast<std::size_t>(found - palette.begin());
 }
 
-/// Moves every entry to the mean of the colours that are nearest to it.
+/// One step of k-means: moves every entry to the mean of the colours that are nearest to it.
 void improve(std::vector<channels> &palette, const colourBox &colours)
 {
     std::vector<colourBox> followers(palette.size());
@@ -147,11 +147,12 @@ void improve(std::vector<channels> &palette, const colourBox &colours)
     }
 }
 
-/// Brightens or darkens a colour, one channel after the other, until its sum changes by @p by.
+/// Changes the channels of a colour in turn until their sum has changed by @p by. False, and no
+/// change, if a channel would leave its range.
 bool shiftSum(channels &entry, qint64 by)
 {
     channels shifted = entry;
-    std::size_t k = 2; // Blue first: the eye minds it least.
+    std::size_t k = 2; // Blue first: the eye is least sensitive to it.
     for (qint64 left = by; left != 0; k = (k + 2) % 3) {
         shifted[k] += by > 0 ? 1 : -1;
         left -= by > 0 ? 1 : -1;
@@ -179,7 +180,7 @@ void drawSumsApart(std::vector<channels> &palette)
                      [](const channels &a, const channels &b) { return sumOf(a) < sumOf(b); });
 }
 
-/// A regular pattern of small brightness differences that makes the steps of gradients merge.
+/// Ordered dithering by a Bayer matrix, which hides the steps of gradients.
 qint64 ditherOffset(int x, int y)
 {
     constexpr std::array<qint64, 16> pattern = {-7, 1, -5, 3, 5, -3, 7, -1,
@@ -189,7 +190,7 @@ qint64 ditherOffset(int x, int y)
 
 } // namespace
 
-QImage material::reducedToPalette(const QImage &picture)
+QImage artwork::reducedToPalette(const QImage &picture)
 {
     const colourBox colours = countColours(picture);
     std::vector<channels> palette = medianCut(colours);

@@ -3,12 +3,12 @@
 
 #include <QImage>
 
-namespace material
+namespace artwork
 {
 
-/// Reduces a picture of at least 256 colours to a palette of 256, chosen by median cut and moved to
-/// the means of the pixels they stand for. The palette ascends by red + green + blue, and colours
-/// with the same sum are drawn apart a little, so that the sums tell nearly all of them apart.
+/// Reduces a picture of at least 256 colours to a palette of 256: median cut, then k-means. The
+/// palette ascends by red + green + blue; entries with equal sums are shifted a little, so that
+/// nearly all sums differ.
 QImage reducedToPalette(const QImage &picture);
 
-} // namespace material
+} // namespace artwork

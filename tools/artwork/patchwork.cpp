@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -33,13 +33,13 @@ void paintSeams(canvas &picture)
     }
 }
 
-/// Grain as of a fine cloth. The warp threads are lighter and darker in turn, by more than the rest
-/// of the grain can make up for within a flat stretch, so that neighbours in a row always differ.
+/// Adds the grain of fine cloth. Columns are lighter and darker in turn, by more than the random
+/// part of the grain can cancel, so that neighbours in a row differ even where the picture is flat.
 QRgb grained(QRgb pixel, qint32 x, qint32 y)
 {
     const qint32 warp = x % 2 == 0 ? 4 : -4;
     const auto channel = [&](int value, quint32 seed) {
-        const auto grain = static_cast<qint32>(scattered(x, y, seed) % 7U) - 3;
+        const auto grain = static_cast<qint32>(placeHash(x, y, seed) % 7U) - 3;
         return std::clamp(value + warp + grain, 0, 255);
     };
     return qRgb(channel(qRed(pixel), 101), channel(qGreen(pixel), 102), channel(qBlue(pixel), 103));
@@ -55,7 +55,7 @@ void addGrain(QImage &image, qint32 left, qint32 top)
 
 } // namespace
 
-QImage material::patchworkPicture()
+QImage artwork::patchworkPicture()
 {
     canvas picture(fieldsPerRow * fieldSide);
     for (qint32 i = 0; i < fieldsPerRow * fieldsPerRow; ++i) {

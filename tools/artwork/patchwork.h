@@ -3,13 +3,13 @@
 
 #include <QImage>
 
-namespace material
+namespace artwork
 {
 
-/// The picture that the run-length and the zlib test pack: a patchwork of sixteen fields. Eight are
-/// flat, with lettering and emblems, where runs of equal pixels abound; the eight between them are
-/// woven, grown or blown by the wind, and no two neighbouring pixels are alike. 512 x 512, 24 bits
-/// per pixel, no seam when laid side by side.
+/// The picture that the run-length and zlib tests compress: a patchwork of sixteen fields. Eight
+/// are flat, with letters and an emblem, and have long runs of equal pixels; the eight between them
+/// are textured, and no two pixels next to each other in a row are equal. 512 x 512, 24 bits per
+/// pixel, tiles without a seam.
 QImage patchworkPicture();
 
-} // namespace material
+} // namespace artwork

@@ -12,15 +12,16 @@
 namespace
 {
 
-using material::roundedQuotient;
+using artwork::roundedQuotient;
 
-/// A vector whose length 1 is written 2^28: products of two components fit into 64 bits.
-constexpr qint64 length = qint64(1) << 28;
-constexpr qint64 goldenRatio = 434345689; // (1 + sqrt 5) / 2 of that length
+/// The 1 of fixed-point vectors; the product of two components fits into 64 bits.
+constexpr qint64 one = qint64(1) << 28;
+constexpr qint64 goldenRatio = 434345689; // (1 + sqrt 5) / 2
 constexpr int subdivisions = 5;
 
-constexpr qint64 decimals = 10000;
-constexpr qint64 radius = 150 * decimals;
+/// Coordinates have four decimals.
+constexpr qint64 perUnit = 10000;
+constexpr qint64 radius = 150 * perUnit;
 
 using vector = std::array<qint64, 3>;
 using triangle = std::array<std::size_t, 3>;
@@ -30,23 +31,23 @@ struct mesh {
     std::vector<triangle> faces;
 };
 
-qint64 product(const vector &a, const vector &b)
+qint64 dotProduct(const vector &a, const vector &b)
 {
-    return roundedQuotient(a[0] * b[0] + a[1] * b[1] + a[2] * b[2], length);
+    return roundedQuotient(a[0] * b[0] + a[1] * b[1] + a[2] * b[2], one);
 }
 
 vector normalised(const vector &v)
 {
-    const qint64 size = material::squareRoot(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    return {roundedQuotient(v[0] * length, size), roundedQuotient(v[1] * length, size),
-            roundedQuotient(v[2] * length, size)};
+    const qint64 size = artwork::squareRoot(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    return {roundedQuotient(v[0] * one, size), roundedQuotient(v[1] * one, size),
+            roundedQuotient(v[2] * one, size)};
 }
 
-/// The corners are the cyclic permutations of (0, +-1, +-golden ratio), so that the middle of an
-/// edge, and with it a point of every subdivision, lies straight below the centre.
+/// The corners are the cyclic permutations of (0, +-1, +-golden ratio), so that the midpoint of an
+/// edge, which is a point of every subdivision, lies straight below the centre.
 mesh icosahedron()
 {
-    constexpr qint64 a = length;
+    constexpr qint64 a = one;
     constexpr qint64 b = goldenRatio;
     mesh solid;
     solid.points = {{-a, b, 0},  {a, b, 0},  {-a, -b, 0}, {a, -b, 0}, {0, -a, b},  {0, a, b},
@@ -60,7 +61,7 @@ mesh icosahedron()
     return solid;
 }
 
-/// Splits every face into four at the middles of its edges, which move out to the unit sphere.
+/// Splits every face into four at the midpoints of its edges, which are moved to the unit sphere.
 void subdivide(mesh &solid)
 {
     std::map<std::pair<std::size_t, std::size_t>, std::size_t> middles;
@@ -83,61 +84,61 @@ void subdivide(mesh &solid)
     solid.faces = std::move(faces);
 }
 
-/// The Chebyshev polynomial of @p degree: a wave that runs over the sphere along an axis.
+/// The Chebyshev polynomial of @p degree: a wave along an axis of the sphere.
 qint64 wave(int degree, qint64 x)
 {
-    qint64 previous = length;
+    qint64 previous = one;
     qint64 current = x;
     for (int n = 1; n < degree; ++n)
-        previous = std::exchange(current, 2 * roundedQuotient(x * current, length) - previous);
+        previous = std::exchange(current, 2 * roundedQuotient(x * current, one) - previous);
     return current;
 }
 
-/// The height of the relief in direction @p point, a fraction of the radius.
+/// The height of the relief in direction @p point, as a fraction of the radius.
 qint64 relief(const vector &point)
 {
     struct swell {
         vector axis;
         int degree;
-        /// The height of the swell is the radius divided by this.
+        /// The amplitude is the radius divided by this.
         qint64 divisor;
     };
     static const swell swells[] = {
-        {normalised({2 * length / 3, length / 3, length}), 3, 75},
-        {normalised({-length, length / 2, length / 5}), 5, 90},
-        {normalised({length / 4, length, -length / 3}), 4, 110},
+        {normalised({2 * one / 3, one / 3, one}), 3, 75},
+        {normalised({-one, one / 2, one / 5}), 5, 90},
+        {normalised({one / 4, one, -one / 3}), 4, 110},
     };
     qint64 height = 0;
     for (const swell &s : swells)
-        height += wave(s.degree, product(point, s.axis)) / s.divisor;
+        height += wave(s.degree, dotProduct(point, s.axis)) / s.divisor;
     return height;
 }
 
-/// Writes a coordinate given in 10,000ths; a zero has no sign.
-QByteArray written(qint64 value)
+/// The text of a coordinate given in 10,000ths; zero has no sign.
+QByteArray coordinateText(qint64 value)
 {
     const qint64 size = value < 0 ? -value : value;
-    return (value < 0 ? QByteArrayLiteral("-") : QByteArray()) + QByteArray::number(size / decimals)
-           + '.' + QByteArray::number(size % decimals).rightJustified(4, '0');
+    return (value < 0 ? QByteArrayLiteral("-") : QByteArray()) + QByteArray::number(size / perUnit)
+           + '.' + QByteArray::number(size % perUnit).rightJustified(4, '0');
 }
 
 } // namespace
 
-QByteArray material::pointCloudText()
+QByteArray artwork::pointCloudText()
 {
     mesh globe = icosahedron();
     for (int i = 0; i < subdivisions; ++i)
         subdivide(globe);
 
-    const qint64 ground = relief({0, 0, -length});
+    const qint64 ground = relief({0, 0, -one});
     QByteArray text;
     for (const vector &point : globe.points) {
-        const qint64 height = roundedQuotient((length + relief(point) - ground) * radius, length);
+        const qint64 height = roundedQuotient((one + relief(point) - ground) * radius, one);
         const auto coordinate = [&](std::size_t axis) {
-            return roundedQuotient(point[axis] * height, length);
+            return roundedQuotient(point[axis] * height, one);
         };
-        text += written(coordinate(0)) + ' ' + written(coordinate(1)) + ' '
-                + written(coordinate(2) + radius) + "\r\n";
+        text += coordinateText(coordinate(0)) + ' ' + coordinateText(coordinate(1)) + ' '
+                + coordinateText(coordinate(2) + radius) + "\r\n";
     }
     return text;
 }

@@ -3,12 +3,12 @@
 
 #include <QByteArray>
 
-namespace material
+namespace artwork
 {
 
 /// The point list of the vertex workload: 10,242 lines "x y z" that end with CR LF, four decimals
-/// each. The points are those of an icosahedron subdivided five times, blown up to a globe of
-/// radius 150 with a gentle relief that stands on the ground: its centre is (0, 0, 150).
+/// each. The points are those of an icosahedron subdivided five times, projected onto a sphere of
+/// radius 150 with a gentle relief. Its centre is (0, 0, 150), so that it stands on the ground.
 QByteArray pointCloudText();
 
-} // namespace material
+} // namespace artwork

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -38,7 +38,7 @@ contour circleLine(point centre, qint32 radius)
     return line;
 }
 
-/// A coordinate of the parabola from the middle of a and b to the middle of b and c.
+/// A coordinate of the parabola from the midpoint of a and b to that of b and c.
 qint32 onParabola(qint32 a, qint32 b, qint32 c, qint32 part, qint32 parts)
 {
     const qint64 k = part;
@@ -49,29 +49,29 @@ qint32 onParabola(qint32 a, qint32 b, qint32 c, qint32 part, qint32 parts)
 
 } // namespace
 
-qint64 material::distance(point a, point b)
+qint64 artwork::distance(point a, point b)
 {
     const qint64 dx = a.x - b.x;
     const qint64 dy = a.y - b.y;
     return squareRoot(dx * dx + dy * dy);
 }
 
-shape material::rectangle(point topLeft, point bottomRight)
+shape artwork::rectangle(point topLeft, point bottomRight)
 {
     return {{topLeft, {bottomRight.x, topLeft.y}, bottomRight, {topLeft.x, bottomRight.y}}};
 }
 
-shape material::circle(point centre, qint32 radius)
+shape artwork::circle(point centre, qint32 radius)
 {
     return {circleLine(centre, radius)};
 }
 
-shape material::ring(point centre, qint32 inner, qint32 outer)
+shape artwork::ring(point centre, qint32 inner, qint32 outer)
 {
     return {circleLine(centre, inner), circleLine(centre, outer)};
 }
 
-shape material::bar(point from, point to, qint32 width)
+shape artwork::bar(point from, point to, qint32 width)
 {
     const qint64 size = std::max<qint64>(1, distance(from, to));
     const auto offset = [&](qint32 extent) {
@@ -85,7 +85,7 @@ shape material::bar(point from, point to, qint32 width)
              {from.x - dx, from.y - dy}}};
 }
 
-shape material::star(qint32 points, qint32 inner, qint32 outer)
+shape artwork::star(qint32 points, qint32 inner, qint32 outer)
 {
     contour line;
     for (qint32 i = 0; i < 2 * points; ++i)
@@ -93,7 +93,7 @@ shape material::star(qint32 points, qint32 inner, qint32 outer)
     return {line};
 }
 
-shape material::curve(const contour &guides)
+shape artwork::curve(const contour &guides)
 {
     constexpr qint32 parts = 16;
     contour line;
@@ -109,7 +109,7 @@ shape material::curve(const contour &guides)
     return {line};
 }
 
-shape material::petal(qint32 inner, qint32 outer, qint32 halfWidth, qint32 belly)
+shape artwork::petal(qint32 inner, qint32 outer, qint32 halfWidth, qint32 belly)
 {
     const qint32 middle = inner + (outer - inner) * belly / 100;
     const qint32 shoulder = (outer - inner) / 6;
@@ -123,22 +123,22 @@ shape material::petal(qint32 inner, qint32 outer, qint32 halfWidth, qint32 belly
                   {-halfWidth, -middle + shoulder}});
 }
 
-shape material::moved(const shape &original, point by)
+shape artwork::moved(const shape &original, point by)
 {
     return changed(original, [by](point p) { return point{p.x + by.x, p.y + by.y}; });
 }
 
-shape material::turned(const shape &original, qint32 angle)
+shape artwork::turned(const shape &original, qint32 angle)
 {
     return changed(original, [angle](point p) { return turnedPoint(p, angle); });
 }
 
-shape material::mirrored(const shape &original)
+shape artwork::mirrored(const shape &original)
 {
     return changed(original, [](point p) { return point{-p.x, p.y}; });
 }
 
-contour material::symmetric(const contour &rightHalf)
+contour artwork::symmetric(const contour &rightHalf)
 {
     contour line = rightHalf;
     for (auto p = rightHalf.rbegin(); p != rightHalf.rend(); ++p) {
@@ -148,7 +148,7 @@ contour material::symmetric(const contour &rightHalf)
     return line;
 }
 
-point material::polar(qint32 angle, qint32 radius)
+point artwork::polar(qint32 angle, qint32 radius)
 {
     return turnedPoint({0, -radius}, angle);
 }

@@ -5,10 +5,10 @@
 
 #include <vector>
 
-namespace material
+namespace artwork
 {
 
-/// Lengths on a canvas count in 16ths of a pixel.
+/// Canvas units are 16ths of a pixel.
 constexpr qint32 pixel = 16;
 
 struct point {
@@ -16,9 +16,9 @@ struct point {
     qint32 y = 0;
 };
 
-/// A closed line; the last corner is joined with the first.
+/// A closed polygon; its last corner is joined to the first.
 using contour = std::vector<point>;
-/// Closed lines that bound an area together: an inner one cuts a hole.
+/// The contours of one area; an inner one cuts a hole.
 using shape = std::vector<contour>;
 
 /// A point given in pixels.
@@ -37,22 +37,22 @@ shape ring(point centre, qint32 inner, qint32 outer);
 shape bar(point from, point to, qint32 width);
 /// A star around the origin with its first point upwards.
 shape star(qint32 points, qint32 inner, qint32 outer);
-/// A smooth closed curve that is drawn towards the given points; a point given twice in a row is a
-/// corner that the curve goes through.
+/// A closed quadratic B-spline with the given control points. One given twice in a row is a corner
+/// that the curve goes through.
 shape curve(const contour &guides);
-/// A leaf with two pointed ends on the y axis, from -inner up to -outer, widest at @p belly per
-/// cent of that way.
+/// A leaf along the y axis with its tips at -inner and -outer, widest at @p belly per cent of the
+/// way from the first to the second.
 shape petal(qint32 inner, qint32 outer, qint32 halfWidth, qint32 belly);
 
 shape moved(const shape &original, point by);
 /// Turned clockwise about the origin.
 shape turned(const shape &original, qint32 angle);
-/// Mirrored at the y axis.
+/// Mirrored across the y axis.
 shape mirrored(const shape &original);
-/// The right half of a contour, from top to bottom, completed by its mirror image.
+/// A contour from its right half, given from top to bottom, and the mirror image of that.
 contour symmetric(const contour &rightHalf);
 
-/// The point of the origin turned to @p angle, clockwise from straight up, at @p radius.
+/// The point at distance @p radius from the origin in direction @p angle, clockwise from up.
 point polar(qint32 angle, qint32 radius);
 
-} // namespace material
+} // namespace artwork

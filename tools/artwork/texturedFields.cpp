@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-using namespace material;
+using namespace artwork;
 
 namespace
 {
@@ -23,7 +23,7 @@ qint32 ripple(qint64 position, qint32 period)
     return sine(static_cast<qint32>(floorQuotient(position * fullTurn, period))) / 64;
 }
 
-/// A dune with its crest at @p height, wind ripples across it.
+/// A dune with its crest at @p height and wind ripples across it.
 void paintDune(easel &field, qint32 height, qint32 phase, const colour &lit, const colour &dark)
 {
     contour crest = {{edge, edge}, {0, edge}};
@@ -61,7 +61,7 @@ void paintNightSky(easel &field)
     });
     for (qint32 i = 0; i < 90; ++i) {
         const auto place = [i](quint32 seed) {
-            return static_cast<qint32>(scattered(i, 0, seed)) % edge;
+            return static_cast<qint32>(placeHash(i, 0, seed)) % edge;
         };
         const qint32 size = i % 9 == 0 ? 5 * pixel : pixel * (1 + i % 2);
         field.fill(moved(star(4, size / 3, size), {place(1), place(2)}), flat(hex(0xFFFBEA)));
@@ -175,7 +175,7 @@ void paintHammeredSun(easel &field)
 
 } // namespace
 
-void material::paintTexturedField(easel &field, int number)
+void artwork::paintTexturedField(easel &field, int number)
 {
     using painter = void (*)(easel &);
     constexpr painter painters[] = {paintDunes, paintNightSky, paintCarpet, paintFur,

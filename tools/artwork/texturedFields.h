@@ -3,11 +3,11 @@
 
 #include "tools/artwork/easel.h"
 
-namespace material
+namespace artwork
 {
 
-/// Paints textured field 0 to 7 with its upper left corner at the easel's origin: dunes, a night
-/// sky, a carpet, fur, agate, a canyon, water and a hammered sun.
+/// Paints textured field @p number, 0 to 7, with its upper left corner at the easel's origin:
+/// dunes, a night sky, a carpet, fur, agate, a canyon, water and a hammered sun.
 void paintTexturedField(easel &field, int number);
 
-} // namespace material
+} // namespace artwork

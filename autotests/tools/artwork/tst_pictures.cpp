@@ -98,8 +98,8 @@ void tst_pictures::madeAgain_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QImage>("made");
-    QTest::newRow("ornament") << ornamentPath << material::ornamentPicture();
-    QTest::newRow("patchwork") << patchworkPath << material::patchworkPicture();
+    QTest::newRow("ornament") << ornamentPath << artwork::ornamentPicture();
+    QTest::newRow("patchwork") << patchworkPath << artwork::patchworkPicture();
 }
 
 void tst_pictures::madeAgain()

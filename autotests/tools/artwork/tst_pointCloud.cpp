@@ -63,7 +63,7 @@ private slots:
 void tst_pointCloud::madeAgain()
 {
     QVERIFY(!embeddedText().isEmpty());
-    QVERIFY(embeddedText() == material::pointCloudText());
+    QVERIFY(embeddedText() == artwork::pointCloudText());
 }
 
 void tst_pointCloud::lines()

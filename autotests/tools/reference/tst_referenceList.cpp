@@ -127,9 +127,9 @@ double tst_referenceList::listed(int machineIndex, const QString &test) const
 
 void tst_referenceList::madeAgain()
 {
-    const auto list = machineList(facts);
-    QVERIFY2(list, qPrintable(list ? QString() : list.error()));
-    const QByteArray made = *list;
+    const auto computed = machineList(facts);
+    QVERIFY2(computed, qPrintable(computed ? QString() : computed.error()));
+    const QByteArray made = *computed;
     const QList<QByteArray> madeLines = made.split('\n');
     const QList<QByteArray> lines = embedded.split('\n');
     for (int i = 0; i < std::min(madeLines.size(), lines.size()); ++i)
