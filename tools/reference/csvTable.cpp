@@ -43,9 +43,10 @@ double csvRow::number(const char *column, double lowest, double highest)
 int csvRow::count(const char *column, int lowest, int highest)
 {
     const double value = number(column, lowest, highest);
-    if (value != std::floor(value))
+    if (value != std::floor(value)) {
         fail(QStringLiteral("%1 is '%2', not a whole number")
                  .arg(QLatin1String(column), cell(column)));
+    }
     return static_cast<int>(value);
 }
 

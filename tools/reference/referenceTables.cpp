@@ -160,10 +160,11 @@ tl::expected<tables, QString> readTables(const QString &directory)
     QVector<machine> calibrated;
     QString error;
     const auto take = [&error](const auto &result, auto &into) {
-        if (result)
+        if (result) {
             into = *result;
-        else
+        } else {
             error = result.error();
+        }
         return result.has_value();
     };
     const bool isComplete =

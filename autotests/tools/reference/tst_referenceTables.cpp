@@ -239,7 +239,7 @@ void tst_referenceTables::ownTables()
 {
     const auto read = readTables(tablesDirectory());
     QVERIFY2(read, qPrintable(errorOf(read)));
-    const tables facts = *read;
+    const tables &facts = *read;
     QCOMPARE(facts.machines.size(), 167);
     QCOMPARE(facts.calibration.size(), 18);
     QCOMPARE(facts.calibrationMachine.cores, 2);
