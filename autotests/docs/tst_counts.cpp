@@ -43,7 +43,7 @@ void tst_counts::counts_data()
     row("others", "README.md",
         QStringLiteral("a ranking of your machine among %1 others").arg(machines));
     row("machines", "README.md", QStringLiteral("The list of %1 machines").arg(machines));
-    row("modelled", "docs/reference-model.md", QStringLiteral("%1 machines with").arg(machines));
+    row("modelled", "docs/reference-model.md", QStringLiteral("The %1 machines in").arg(machines));
 }
 
 void tst_counts::counts()
