@@ -29,7 +29,7 @@ private:
 namespace colorsFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // Per glow: both differences and their squares, a root, the scale, the light. With the
     // vertical parts taken out of the loop there would be half as many.
     {"omp",
@@ -38,11 +38,11 @@ inline constexpr machineLoop loops[] = {
        {"v?mulss", 12, 12},
        {"call.*"},
        {mnemonics::doubles}}}},
-};
-inline constexpr machineReads reads[] = {
+});
+inline constexpr auto reads = std::to_array<machineReads>({
     // Ten values that do not change and the row: one of them may not find a register.
     {"omp", 1},
-};
+});
 inline constexpr machineCode code = {"colors", loops, reads};
 
 inline constexpr workloadFacts facts = {

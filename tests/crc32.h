@@ -29,10 +29,10 @@ private:
 namespace crc32Facts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // Eight steps per byte, and the byte itself; no carry-less multiplication.
     {"omp", {{{"shr", 8, 8}, {"xor", 9, 9}, {"and", 8, 16}, {"neg", 8, 8}, {"pclmul.*|crc32.*"}}}},
-};
+});
 inline constexpr machineCode code = {"crc32", loops};
 
 inline constexpr workloadFacts facts = {

@@ -35,9 +35,9 @@ private:
 namespace linesFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     {"drawLine", {{{"cmp", 4, 4}, {mnemonics::singles}, {mnemonics::doubles}}}},
-};
+});
 inline constexpr machineCode code = {"lines", loops};
 
 inline constexpr workloadFacts facts = {

@@ -45,10 +45,10 @@ private:
 namespace mandelFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // Four products of z and two of c; the division of each iteration.
     {"", {{{"v?mulss", 4, -1}, {"v?divss", 1, 1}, {"v?u?comiss", 1, 1}, {mnemonics::doubles}}}},
-};
+});
 inline constexpr machineCode code = {"mandel", loops};
 
 inline constexpr workloadFacts facts = {

@@ -47,12 +47,12 @@ private:
 namespace motionBlurFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     {"smear<unsigned int>",
      {{{"imul", 6, 6}, {mnemonics::conversions}, {mnemonics::singles}, {mnemonics::doubles}}}},
     {"smear<float>", {{{"v?mulss", 18, 18}, {"v?addss", 12, 12}, {mnemonics::doubles}}}},
     {"smear<double>", {{{"v?mulsd", 18, 18}, {"v?addsd", 12, 12}, {mnemonics::singles}}}},
-};
+});
 inline constexpr machineCode code = {"motionBlur", loops};
 
 inline constexpr workloadFacts facts = {

@@ -29,12 +29,12 @@ public:
 namespace rleFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // Two innermost loops of the coder hold one pass over the words each; calls would be of
     // memset and the like.
     {"rle::encode", {{{"cmp", 1, -1}, {"call.*|rep.*"}}}},
     {"rle::decode", {{{"cmp", 1, -1}, {"call.*|rep.*"}}}},
-};
+});
 inline constexpr machineCode code = {"rle", loops};
 
 inline constexpr workloadFacts facts = {

@@ -58,7 +58,7 @@ private:
 namespace rotozoomFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     {"renderRow<nearestTexel>", {{{"imul", 1, -1}, {mnemonics::conversions}}}},
     {"renderRowWide", {{{"imul", 1, -1}, {mnemonics::conversions}}}},
     {"renderRowDithered", {{{"imul", 1, -1}, {mnemonics::conversions}}}},
@@ -74,13 +74,13 @@ inline constexpr machineLoop loops[] = {
      {{{"v?mulss", 6, 6}, {"v?addss", 3, 3}, {mnemonics::doubles}}}},
     {"renderRow<lastPixelTexel<double>",
      {{{"v?mulsd", 6, 6}, {"v?addsd", 3, 3}, {mnemonics::singles}}}},
-};
-inline constexpr machineReads reads[] = {
+});
+inline constexpr auto reads = std::to_array<machineReads>({
     {"renderRow<nearestTexel>", 1},
     {"renderRowDithered", 1},
     // The texel and the pixel before.
     {"renderRow<lastPixelTexel<unsigned int>", 2},
-};
+});
 inline constexpr machineCode code = {"rotozoom", loops, reads};
 
 inline constexpr workloadFacts nearest = {

@@ -32,14 +32,14 @@ private:
 namespace shellsortFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // Both keys of a comparison: three bytes each, two additions each.
     {"shellsort::sort", {{{"movzbl", 6, 6}, {"add", 4, 4}}}},
-};
-inline constexpr machineReads reads[] = {
+});
+inline constexpr auto reads = std::to_array<machineReads>({
     // The word to compare with; the moved one stays in a register.
     {"shellsort::sort", 1},
-};
+});
 inline constexpr machineCode code = {"shellsort", loops, reads};
 
 inline constexpr workloadFacts facts = {

@@ -15,12 +15,13 @@ struct maker {
 
     template <typename workload> void operator()(made<workload> row, const testFacts &facts) const
     {
-        if constexpr (std::is_constructible_v<workload, printHook *, quint32>)
+        if constexpr (std::is_constructible_v<workload, printHook *, quint32>) {
             tests.push_back(std::make_unique<workload>(printTarget, row.mode));
-        else if constexpr (std::is_constructible_v<workload, quint32>)
+        } else if constexpr (std::is_constructible_v<workload, quint32>) {
             tests.push_back(std::make_unique<workload>(row.mode));
-        else
+        } else {
             tests.push_back(std::make_unique<workload>());
+        }
         tests.back()->setSingleOnly(!facts.isInFullRuns());
     }
 };

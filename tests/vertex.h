@@ -56,10 +56,10 @@ private:
 namespace vertexFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // 16 products each for the rotation and the projection, four for the scale.
     {"omp", {{{"v?mulss", 36, 36}, {"v?addss", 28, 28}, {mnemonics::doubles}}}},
-};
+});
 inline constexpr machineCode code = {"vertex", loops};
 
 inline constexpr workloadFacts facts = {

@@ -26,10 +26,10 @@ public:
 namespace zlibFacts
 {
 
-inline constexpr machineLoop loops[] = {
+inline constexpr auto loops = std::to_array<machineLoop>({
     // One comparison to end the loop, and none for an assertion.
     {"zlib::unpack", {{{"movzb.*|movb", 1, 1}, {"mov", 1, -1}, {"cmp", 1, 1}, {"call.*"}}}},
-};
+});
 inline constexpr machineCode code = {"zlib", loops};
 
 inline constexpr workloadFacts facts = {
