@@ -33,7 +33,7 @@ QImage frameOf(testBase &test)
     }
     const QImage frame(reinterpret_cast<uchar *>(test.getBuffer()), test.getWidth(),
                        test.getHeight(), QImage::Format_RGB32);
-    const QImage picture =
+    QImage picture =
         frame.scaled(pictureWidth, pictureHeight, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     test.release();
     return picture;

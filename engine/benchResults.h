@@ -15,6 +15,8 @@ public:
     public:
         test() = default;
         explicit test(float throughput) : value(throughput) {}
+        // g++ warns about a copy constructor that does not name its base.
+        // NOLINTNEXTLINE(readability-redundant-member-init)
         test(const test &other) : QObjectUserData(), value(other.value) {}
         test &operator=(const test &other)
         {

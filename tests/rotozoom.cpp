@@ -143,7 +143,7 @@ void rotozoom::release()
 QString rotozoom::getName() const
 {
     const char *modeName = renderMode < std::size(modes) ? modes[renderMode].name : "error";
-    const QString name = QStringLiteral("rotozoom '%1'").arg(QLatin1String(modeName));
+    QString name = QStringLiteral("rotozoom '%1'").arg(QLatin1String(modeName));
     if (!coreSelection)
         return name;
     QString marks;

@@ -266,7 +266,7 @@ void compareWindow::buildChart(ranking::selectionMode sortMode, int count, ranki
     qDebug() << "Test" << own.getName() << " " << (own.isMeasured() ? "Used" : "Unused");
 
     // Per clock are the scores only: the bars of one test, and its value here, are as measured.
-    const double youValue = static_cast<double>(ranking::barValue(own, kind, title));
+    const auto youValue = static_cast<double>(ranking::barValue(own, kind, title));
     QString fullTitle = title;
     if (kind == ranking::oneTest && own.isMeasured()) {
         fullTitle += QStringLiteral(" [you: %1 %2]")

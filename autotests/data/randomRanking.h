@@ -87,7 +87,7 @@ private:
 
     float positive()
     {
-        const float mantissa = float(1 + below(1 << 24));
+        const auto mantissa = float(1 + below(1 << 24));
         return mantissa / float(1 << below(24));
     }
 

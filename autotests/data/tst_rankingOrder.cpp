@@ -130,7 +130,7 @@ void tst_rankingOrder::manyThatAreNoNumbers()
         const quint32 share = 1 + source() % 8;
         QVector<benchResults> machines;
         for (int i = 0; i < size; ++i) {
-            const float result = float(1 + source() % 1000);
+            const auto result = float(1 + source() % 1000);
             const bool isNumber = source() % 8 >= share;
             machines.append(
                 machineWith(QString::number(i), linuxWord, isNumber ? result : notANumber));

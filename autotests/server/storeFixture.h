@@ -30,11 +30,12 @@ public:
     {
         const QByteArray product(QTest::currentDataTag());
         place.clear();
-        if (product == "SQLite")
+        if (product == "SQLite") {
             place = QStringLiteral("sqlite:")
                     + directory.filePath(QStringLiteral("new/%1.db").arg(++files));
-        else if (product == "PostgreSQL")
+        } else if (product == "PostgreSQL") {
             beginPostgres();
+        }
     }
     void beginPostgres() { place = postgres.newDatabase(); }
 
@@ -65,8 +66,6 @@ inline storedUpload numbered(int i)
 
 inline std::optional<int> publish(resultStore &store)
 {
-    return store.publish([](const storedUpload &) {},
-                         [] {
-                             return resultStore::lists{"normal", QByteArray("be\0ta", 5)};
-                         });
+    const auto lists = [] { return resultStore::lists{"normal", QByteArray("be\0ta", 5)}; };
+    return store.publish([](const storedUpload &) {}, lists);
 }

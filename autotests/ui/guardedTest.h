@@ -49,11 +49,13 @@ private:
         const auto start = reinterpret_cast<std::uintptr_t>(buffer.data());
         const auto bytes = static_cast<std::uintptr_t>(width) * static_cast<std::uintptr_t>(height)
                            * sizeof(quint32);
-        const std::uintptr_t first = (start + page - 1) / page * page;
-        const std::uintptr_t end = (start + bytes) / page * page;
-        isClosed = end > first
-                   && mprotect(reinterpret_cast<void *>(first), end - first, access) == 0
-                   && access == PROT_NONE;
+        const std::uintptr_t lead = (page - start % page) % page;
+        const std::uintptr_t tail = (start + bytes) % page;
+        isClosed =
+            bytes > lead + tail
+            && mprotect(reinterpret_cast<char *>(buffer.data()) + lead, bytes - lead - tail, access)
+                   == 0
+            && access == PROT_NONE;
     }
 
     bool isPreparing = false;

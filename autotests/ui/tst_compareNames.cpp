@@ -64,8 +64,9 @@ struct namedFixture : compareFixture {
     /// The tool tip of a bar as it can be read.
     QString tipOf(QBarSet *bar) const
     {
-        emit bars()->hovered(true, 0, bar);
-        const QString tip = QToolTip::text();
+        QBarSeries *series = bars();
+        emit series->hovered(true, 0, bar);
+        QString tip = QToolTip::text();
         if (!Qt::mightBeRichText(tip))
             return tip;
         QTextDocument document;

@@ -130,6 +130,7 @@ void tst_pointCloud::pointsAreSpreadEvenly()
     const std::vector<place> places = embeddedPlaces();
     for (std::size_t i = 0; i < places.size(); i += 97) {
         std::vector<double> distances;
+        distances.reserve(places.size());
         for (const place &p : places)
             distances.push_back(distance(p, places[i]));
         std::partial_sort(distances.begin(), distances.begin() + 6, distances.end());
