@@ -65,8 +65,6 @@ class willingBlock
 {
 public:
     willingBlock()
-        : mapping(static_cast<char *>(
-            mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)))
     {
         const std::size_t lead = size - reinterpret_cast<std::uintptr_t>(mapping) % size;
         block = mapping + lead;
@@ -85,7 +83,15 @@ public:
 
 private:
     static constexpr std::size_t size = 2 << 20;
-    char *mapping;
+
+    static char *reserved()
+    {
+        constexpr int access = PROT_READ | PROT_WRITE;
+        return static_cast<char *>(
+            mmap(nullptr, 2 * size, access, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    }
+
+    char *mapping = reserved();
     char *block = nullptr;
 };
 

@@ -152,10 +152,9 @@ void tst_resultStore::publishing()
     QVERIFY(store.open());
     QVERIFY(store.add({numbered(0), numbered(1)}));
     int taken = 0;
-    const auto version = store.publish([&taken](const storedUpload &) { ++taken; },
-                                       [] {
-                                           return resultStore::lists{"1st", "1st beta"};
-                                       });
+    const auto take = [&taken](const storedUpload &) { ++taken; };
+    const auto made = [] { return resultStore::lists{"1st", "1st beta"}; };
+    const auto version = store.publish(take, made);
     QVERIFY2(version.has_value(), qPrintable(store.error()));
     QCOMPARE(*version, 1011);
     QCOMPARE(taken, 2);
