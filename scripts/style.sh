@@ -16,6 +16,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build=build/test
 commits=20
 
+# Versions disagree on a few lines and rules; where those of Debian 12 are installed, they decide.
+export clang_format=clang-format clang_tidy=clang-tidy
+if has_command clang-format-14; then clang_format=clang-format-14; fi
+if has_command clang-tidy-14; then clang_tidy=clang-tidy-14; fi
+
 # existing: passes those of the names on that are files.
 existing() {
     local name
@@ -80,7 +85,7 @@ including() {
 # tidy SOURCE: prints what clang-tidy finds.
 tidy() {
     local output
-    output=$(clang-tidy -p build/test --quiet --warnings-as-errors='*' "$1" 2>&1) && return
+    output=$("$clang_tidy" -p build/test --quiet --warnings-as-errors='*' "$1" 2>&1) && return
     printf '%s\n' "$output" | grep -vE '^[0-9]+ (warning|error).* generated\.$'
     return 1
 }
@@ -88,15 +93,11 @@ export -f tidy
 
 found=()
 
-# Versions disagree on a few lambdas; where the one of Debian 12 is installed, it decides.
-clang_format=clang-format
-if has_command clang-format-14; then clang_format=clang-format-14; fi
-
 check_format() {
     local sources
     mapfile -t sources < <(files '*.cpp' '*.h')
     say "clang-format: ${#sources[@]} files"
-    $clang_format --dry-run -Werror --ferror-limit=1 "${sources[@]}" \
+    "$clang_format" --dry-run -Werror --ferror-limit=1 "${sources[@]}" \
         || found+=("clang-format, which mends it itself: clang-format -i FILE")
 }
 
