@@ -105,6 +105,11 @@ check "a header is looked at with a source that includes it" "style.sh: somethin
 exit 1" "$(style HEAD)"
 check "where the fault is" "tests/user.h:5:12: error" "$(findings 'tests/[a-z.]*:[0-9:]* error')"
 git checkout -q tests/user.h
+mkdir build/test/tests
+write build/test/tests/made.h <<< "inline $fault"
+write_unit tests/maker.cpp <<< '#include "build/test/tests/made.h"'
+check "what the build has made is not looked at" "$clean" "$(style HEAD)"
+rm tests/maker.cpp
 write tests/alone.h <<< '#pragma once'
 check "a header of no source" "$clean" "$(style HEAD)"
 check "is named" "tests/alone.h is in no source" "$(findings 'tests/alone.h is in no source')"
