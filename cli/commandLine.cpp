@@ -92,10 +92,11 @@ QString readExchange(const QCommandLineParser &parser, commandLine &command)
     if (command.wanted != commandLine::runFull)
         return QStringLiteral("only the results of a full run are uploaded; --upload cannot go "
                               "with --test");
-    if (command.testTime != benchBase::standardTestTime)
+    if (command.testTime != benchBase::standardTestTime) {
         return QStringLiteral("only results of %1 seconds per test are uploaded; --upload cannot "
                               "go with another --time")
             .arg(benchBase::standardTestTime / 1000);
+    }
     return {};
 }
 

@@ -117,14 +117,13 @@ int publish(resultStore &store)
 {
     publisher lists(builtInMachines());
     int uploads = 0;
+    const auto made = [&] { return resultStore::lists{lists.list(false), lists.list(true)}; };
     const std::optional<int> version = store.publish(
         [&](const storedUpload &upload) {
             lists.add(upload);
             ++uploads;
         },
-        [&] {
-            return resultStore::lists{lists.list(false), lists.list(true)};
-        });
+        made);
     if (!version)
         return failed(QStringLiteral("nothing was published: %1").arg(store.error()));
     write(QStringLiteral("Published version %1 from %2 uploads\n")
