@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/motionBlur.h"
 
-#include "tests/stampDot.h"
 #include "tests/pixel.h"
+#include "tests/stampDot.h"
 #include "tests/truncate.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/vertex.h"
 
-#include "tests/stampDot.h"
 #include "tests/pixel.h"
+#include "tests/stampDot.h"
 #include "tests/truncate.h"
 
 #include <QFile>
@@ -75,8 +75,8 @@ void transformCopy(vector4 *out, const vector4 *points, int count, const vertex:
                            (dotProduct(by.rotation[1], p) + by.translation.y) * scale.y,
                            (dotProduct(by.rotation[2], p) + by.translation.z) * scale.z,
                            (dotProduct(by.rotation[3], p) + by.translation.w) * scale.w};
-        out[j] = {dotProduct(by.projection[0], q), dotProduct(by.projection[1], q), dotProduct(by.projection[2], q),
-                  dotProduct(by.projection[3], q)};
+        out[j] = {dotProduct(by.projection[0], q), dotProduct(by.projection[1], q),
+                  dotProduct(by.projection[2], q), dotProduct(by.projection[3], q)};
     }
 }
 
