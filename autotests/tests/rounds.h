@@ -3,6 +3,7 @@
 
 #include "engine/testBase.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -38,3 +39,16 @@ struct frameSize {
     int height;
 };
 constexpr frameSize oddSizes[] = {{1, 1}, {3, 2}, {319, 239}, {321, 241}, {1, 5000}, {5000, 1}};
+
+/// A colour that no test draws.
+constexpr quint32 mark = 0xFF13579BU;
+
+inline void paint(testBase &test, quint32 colour)
+{
+    std::fill_n(test.getBuffer(), test.getWidth() * test.getHeight(), colour);
+}
+
+inline bool isAll(const frame &words, quint32 value)
+{
+    return std::all_of(words.begin(), words.end(), [value](quint32 w) { return w == value; });
+}

@@ -259,10 +259,11 @@ void tst_machineCode::crc32HasNoTable()
 
 void tst_machineCode::zlibCopiesByteByByte()
 {
-    for (const char *callee : {"memcpy", "memmove", "__memcpy_chk"})
+    for (const char *callee : {"memcpy", "memmove", "__memcpy_chk"}) {
         QCOMPARE(countCalls(QStringLiteral("zlib"), QStringLiteral("zlib::unpack"),
                             QString::fromLatin1(callee)),
                  0);
+    }
 }
 
 void tst_machineCode::callsOfTheRun_data()

@@ -10,7 +10,6 @@
 #include "tests/lines.h"
 #include "tests/mandel.h"
 #include "tests/motionBlur.h"
-#include "tests/rle.h"
 #include "tests/rotozoom.h"
 #include "tests/rounds.h"
 #include "tests/shellsort.h"
@@ -18,7 +17,6 @@
 #include "tests/suiteFacts.h"
 #include "tests/tiles.h"
 #include "tests/vertex.h"
-#include "tests/zlib.h"
 
 #include <QImage>
 #include <QtTest>
@@ -30,8 +28,6 @@
 namespace
 {
 
-constexpr quint32 mark = 0xFF13579BU;
-
 using maker = std::unique_ptr<testBase> (*)();
 
 template <typename workload, auto... arguments> std::unique_ptr<testBase> made()
@@ -42,30 +38,6 @@ template <typename workload, auto... arguments> std::unique_ptr<testBase> made()
 template <quint32 mode> std::unique_ptr<testBase> madeRotozoom()
 {
     return std::make_unique<rotozoom>(nullptr, mode);
-}
-
-void paint(testBase &test, quint32 colour)
-{
-    std::fill_n(test.getBuffer(), test.getWidth() * test.getHeight(), colour);
-}
-
-/// A workload that unpacks, and whose buffers can be looked into between the steps.
-template <typename codec> class opened : public codec
-{
-public:
-    quint32 *packedWords() { return this->packed.data(); }
-    quint32 *unpackedWords() { return this->unpacked.data(); }
-    frame packedFrame() { return copyOf(packedWords()); }
-    frame unpackedFrame() { return copyOf(unpackedWords()); }
-    std::size_t count() const { return this->source.getCount(); }
-
-private:
-    frame copyOf(const quint32 *words) { return frame(words, words + count()); }
-};
-
-bool isAll(const frame &words, quint32 value)
-{
-    return std::all_of(words.begin(), words.end(), [value](quint32 w) { return w == value; });
 }
 
 std::vector<float> transformedOf(const vertex &test)
@@ -97,11 +69,6 @@ private slots:
     void vertexDrawsAfter();
     void vertexTurnsBefore();
     void vertexTransformsInTheRun();
-    void rleCodesInTheRun();
-    void unpackedWordsAreShownOpaque();
-    void zlibCompressesBefore();
-    void zlibUnpacksInTheRun();
-    void zlibReadsItsInputInTheRun();
 };
 
 /// The steps around the run do nothing to the frame. A test of which that is not true stands in the
@@ -318,98 +285,6 @@ void tst_steps::vertexTransformsInTheRun()
     QVERIFY(second != first);
     test.postRun();
     QVERIFY(transformedOf(test) == second);
-}
-
-void tst_steps::rleCodesInTheRun()
-{
-    opened<rle> test;
-    QVERIFY(test.setup(64, 64));
-    const frame plain = tiledWords(6);
-    test.preRun();
-    QVERIFY(isAll(test.packedFrame(), black));
-    QVERIFY(test.unpackedFrame() != plain);
-    paint(test, mark);
-    test.run();
-    QVERIFY(isAll(frameOf(test), mark));
-    const frame coded = test.packedFrame();
-    QVERIFY(!isAll(coded, black));
-    QVERIFY(test.unpackedFrame() == plain);
-    // Showing them is all that is left to do.
-    test.unpackedWords()[0] = mark;
-    test.packedWords()[0] = mark;
-    test.postRun();
-    QCOMPARE(test.getBuffer()[0], mark);
-    QVERIFY(!test.packedWords() && !test.unpackedWords());
-}
-
-/// Packed words are shown as they are, unpacked ones with their alpha set.
-void tst_steps::unpackedWordsAreShownOpaque()
-{
-    opened<rle> test;
-    QVERIFY(test.setup(64, 64));
-    for (const quint32 alpha : {0U, black, 0U}) {
-        test.preRun();
-        std::fill_n(test.packedWords(), test.count(), 0x00123456U);
-        std::fill_n(test.unpackedWords(), test.count(), 0x00123456U);
-        test.postRun();
-        QVERIFY(isAll(frameOf(test), alpha | 0x00123456U));
-    }
-}
-
-void tst_steps::zlibCompressesBefore()
-{
-    opened<zlib> test;
-    QVERIFY(test.setup(64, 64));
-    const frame plain = tiledWords(4);
-    const QByteArray expected =
-        qCompress(reinterpret_cast<const uchar *>(plain.data()), int(plain.size() * 4), 1);
-    test.preRun();
-    frame packed = test.packedFrame();
-    QCOMPARE(std::memcmp(packed.data(), expected.constData(), std::size_t(expected.size())), 0);
-    const auto words = (std::size_t(expected.size()) + 3) / 4;
-    QVERIFY(isAll(frame(packed.begin() + std::ptrdiff_t(words), packed.end()), black));
-    paint(test, mark);
-    test.run();
-    QVERIFY(isAll(frameOf(test), mark));
-    QVERIFY(test.packedFrame() == packed);
-}
-
-void tst_steps::zlibUnpacksInTheRun()
-{
-    opened<zlib> test;
-    QVERIFY(test.setup(64, 64));
-    const frame plain = tiledWords(4);
-    test.preRun();
-    QVERIFY(test.unpackedFrame() != plain);
-    test.run();
-    QVERIFY(test.unpackedFrame() == plain);
-    test.postRun();
-    // The second round shows what is unpacked by then.
-    test.preRun();
-    std::fill_n(test.unpackedWords(), test.count(), mark);
-    test.postRun();
-    QVERIFY(isAll(frameOf(test), mark));
-}
-
-/// What is in the packed buffer when the run starts is what it unpacks.
-void tst_steps::zlibReadsItsInputInTheRun()
-{
-    opened<zlib> test;
-    QVERIFY(test.setup(64, 64));
-    test.preRun();
-    const QByteArray text(40'000, 'f');
-    const QByteArray other = qCompress(text, 1);
-    std::memcpy(test.packedWords(), other.constData(), std::size_t(other.size()));
-    std::fill_n(test.unpackedWords(), text.size(), mark);
-    test.run();
-    const auto *bytes = reinterpret_cast<const char *>(test.unpackedWords());
-    QCOMPARE(QByteArray(bytes, text.size()), text);
-    QCOMPARE(test.unpackedWords()[text.size() / 4], mark);
-    // And again, though it is the same round.
-    const QByteArray second = qCompress(QByteArray(40'000, 'g'), 1);
-    std::memcpy(test.packedWords(), second.constData(), std::size_t(second.size()));
-    test.run();
-    QCOMPARE(QByteArray(bytes, text.size()), QByteArray(40'000, 'g'));
 }
 
 QTEST_APPLESS_MAIN(tst_steps)
