@@ -35,6 +35,7 @@ need_build_tools() {
     need has_cmake_package Qt5Widgets qtbase5-dev
     need has_cmake_package Qt5Charts libqt5charts5-dev
     need has_header zlib.h zlib1g-dev
+    need has_header tl/expected.hpp libexpected-dev
 }
 
 # The result database's; the benchmark does without.
