@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
 #include "support/messageBoxes.h"
 #include "ui/compareWindow.h"
@@ -17,9 +18,10 @@
 namespace
 {
 
+/// A round takes this long by the fake clock.
 void briefly()
 {
-    QTest::qSleep(5);
+    fakeClock::pass(std::chrono::milliseconds(5));
 }
 
 } // namespace
@@ -159,6 +161,7 @@ void tst_mainwindow::uploadIsDisabled()
 
 void tst_mainwindow::framesAreShownInAFullRun()
 {
+    const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->canSetup = false;
     bool wasRunning = false;
@@ -189,6 +192,7 @@ void tst_mainwindow::framesAreShownInAFullRun()
 
 void tst_mainwindow::closeDuringAFullRun()
 {
+    const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->onRun = [&] {
         briefly();
@@ -204,6 +208,7 @@ void tst_mainwindow::closeDuringAFullRun()
 
 void tst_mainwindow::closeDuringARunEndsTheProgram()
 {
+    const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->onRun = [&] {
         briefly();
@@ -223,6 +228,7 @@ void tst_mainwindow::closeDuringARunEndsTheProgram()
 
 void tst_mainwindow::singleRunIsStopped()
 {
+    const fakeClock clock;
     windowFixture f;
     int runs = 0;
     bool stopWasVisible = false;
@@ -280,6 +286,7 @@ void tst_mainwindow::displayDuringASingleRun()
 
 void tst_mainwindow::autoRepeat()
 {
+    const fakeClock clock;
     windowFixture f;
     f.find<QComboBox>("comboBoxAutoRepeat")->setCurrentText(QStringLiteral("on"));
     f.addTestTime(QStringLiteral("1"));
@@ -325,7 +332,7 @@ void tst_mainwindow::framesFlow()
     f.display()->installEventFilter(&counter);
     int runs = 0;
     f.fakes.at(0)->onRun = [&] {
-        QTest::qSleep(20);
+        QTest::qSleep(20); // the platform paints a window no more often than every few ms
         if (++runs == 10)
             f.window->singleTestStop();
     };
@@ -470,6 +477,7 @@ void tst_mainwindow::compareWindowTakesTheOptions()
 
 void tst_mainwindow::viewsDuringARun()
 {
+    const fakeClock clock;
     windowFixture f;
     int runs = 0;
     QStringList titles;
@@ -525,6 +533,7 @@ void tst_mainwindow::deletedUserData()
 
 void tst_mainwindow::startTwice()
 {
+    const fakeClock clock;
     windowFixture f;
     for (int i = 0; i < 2; ++i) {
         int runs = 0;
