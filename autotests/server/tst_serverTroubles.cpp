@@ -27,6 +27,7 @@ private slots:
     void cleanupTestCase() { postgres.reset(); }
 
     void databaseThatCannotBeOpened();
+    void outputThatIsClosed();
     void endsOnSignals_data();
     void endsOnSignals();
     void finishesWhatIsInFlight();
@@ -119,6 +120,21 @@ void tst_serverTroubles::databaseThatCannotBeOpened()
                      qPrintable(result.err));
         }
     }
+}
+
+/// The connection to the database does not get the number of a standard handle that is missing.
+void tst_serverTroubles::outputThatIsClosed()
+{
+    QProcess process;
+    process.start(QStringLiteral("sh"),
+                  {QStringLiteral("-c"),
+                   QStringLiteral("exec \"$0\" list --database \"$1\" >&- 0>&-"),
+                   QStringLiteral(FENNICK_SERVER), postgres->newDatabase()});
+    QVERIFY(process.waitForFinished(60'000));
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("fennick-server: the output is not complete: standard output cannot be "
+                        "written\n"));
 }
 
 void tst_serverTroubles::endsOnSignals_data()
