@@ -18,8 +18,8 @@ extern "C" void noteInterrupt(int signal)
     std::signal(signal, SIG_DFL);
 }
 
-/// Whoever starts a program in the background without a terminal has it ignore Ctrl-C, which is
-/// meant for others.
+/// A program that was started in the background may have been told to ignore Ctrl-C, which is meant
+/// for others; then it goes on ignoring it.
 void listenToInterrupts()
 {
     if (std::signal(SIGINT, noteInterrupt) == SIG_IGN)
@@ -33,7 +33,7 @@ public:
     bool isStopRequested() override { return interrupted != 0; }
 };
 
-/// Keeps the log of a runner that is only asked for its lists from being seen.
+/// Drops the log of a runner that is only asked for its lists.
 class silence : public printHook
 {
 public:
@@ -74,7 +74,7 @@ exitCode runFull(const commandLine &command, benchBase &runner)
                           : QStringLiteral("the results could not be stored"));
     }
     if (runner.getFailedTests() > 0) {
-        // What is uploaded is a whole run, and what an earlier one left in the record is none.
+        // Only whole runs are uploaded; the record may still hold results of an earlier one.
         return command.isUpload
                    ? failed(QStringLiteral("tests without a result: %1; the run is not uploaded")
                                 .arg(runner.getFailedTests()))

@@ -69,7 +69,7 @@ protected:
 private:
     /// The version of the online list, if it is newer than the local one.
     std::optional<quint32> newerOnlineVersion();
-    /// Stores the list of @p source as one of @p version. False if it could not be had whole.
+    /// Stores the list of @p source as one of @p version. False if that failed.
     bool downloadReference(referenceSource source, quint32 version);
     /// Downloads the list of @p source, if there is a newer one. False if that failed.
     bool updateReference(referenceSource source);

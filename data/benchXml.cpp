@@ -136,8 +136,8 @@ listEnd readMachines(QIODevice &device, QVector<benchResults> &machines)
         const listEnd end = reader.end();
         return isCut && last == content.size() ? listEnd{listEnd::cut, end.line} : end;
     }
-    // Of a piece with bytes that are not of the file's encoding, the XML reader gives nothing at
-    // all. In a faulty file, short pieces save what stands before such bytes.
+    // The XML reader drops the whole of a piece that has bytes outside the file's encoding. Short
+    // pieces save what comes before such bytes.
     machines.resize(firstMachine);
     listReader carefulReader(machines);
     readPieces(content, last, carefulReader);

@@ -12,7 +12,7 @@
 namespace
 {
 
-/// Any number that all processes at one database agree on.
+/// The key of the lock that orders writers in PostgreSQL; all processes must use the same.
 constexpr int writersLock = 8426;
 
 QString uniqueName()
@@ -26,7 +26,7 @@ failure failureOf(const QSqlError &error)
     return failure(error.text().trimmed());
 }
 
-/// What has become of @p query, of which @p isDone says whether it was executed.
+/// The outcome of @p query, where @p isDone says whether it was executed.
 outcome<void> outcomeOf(const QSqlQuery &query, bool isDone)
 {
     return isDone ? outcome<void>() : failureOf(query.lastError());
@@ -107,11 +107,11 @@ outcome<void> database::open()
 
 void database::configure()
 {
-    if (!isSqlite()) { // which tables are there already is of no interest
+    if (!isSqlite()) { // no notices about tables that exist already
         execute(QStringLiteral("SET client_min_messages = warning"));
         return;
     }
-    // Readers go on while one writes, and what is committed is on the disk.
+    // Readers need not wait for a writer, and what is committed is on the disk.
     execute(QStringLiteral("PRAGMA journal_mode = WAL"));
     execute(QStringLiteral("PRAGMA synchronous = FULL"));
 }

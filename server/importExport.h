@@ -5,7 +5,7 @@
 
 class QIODevice;
 
-/// What an import has found.
+/// What an import has read.
 struct importReport {
     int uploads = 0;
     int lists = 0;
@@ -13,11 +13,11 @@ struct importReport {
 };
 
 /// Writes all uploads, withdrawn ones and their reasons included, and all lists to @p device, as
-/// XML with the machines in the format of the lists. Fails with the database; whether @p device has
-/// taken all of it is to be asked of the device.
+/// XML with the machines in the format of the lists. Fails if the database does; the errors of
+/// @p device are left to the caller.
 outcome<void> exportTo(resultStore &store, QIODevice &device);
 
-/// Adds what an export or a list of machines holds and what is not there yet, all or nothing: a
-/// fault in it is a failure. Machines of a list become uploads of @p now, in milliseconds since
-/// 1970.
+/// Adds the uploads and lists of an export, or the machines of a list, that are not in the store
+/// yet. Adds nothing if anything in it is wrong. Machines of a list become uploads received at @p
+/// now, in milliseconds since 1970.
 outcome<importReport> importFrom(QIODevice &device, resultStore &store, qint64 now);

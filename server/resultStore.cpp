@@ -8,7 +8,7 @@ namespace
 
 constexpr int schemaVersion = 1;
 
-/// The tables, for both products but for the words that differ.
+/// The tables. The two products differ in the words for some types.
 QStringList tables(bool isSqlite)
 {
     const QString number = isSqlite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")

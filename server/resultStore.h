@@ -24,14 +24,14 @@ struct storedList {
 class resultStore
 {
 public:
-    /// The version of the list inside the programs, which the first list published here follows.
+    /// The version of the list inside the programs; the first list published here gets the next.
     static constexpr int builtInVersion = 1010;
 
     explicit resultStore(const databaseAddress &address) : db(address) {}
 
     /// Connects, and makes the tables that are missing.
     outcome<void> open();
-    /// Gives up the connection, so that open() makes a new one.
+    /// Closes the connection, so that open() makes a new one.
     void close() { db.close(); }
 
     /// Adds those of @p uploads whose content is not there yet, all or none. Durable on return.
@@ -52,8 +52,8 @@ public:
         QByteArray beta;
     };
     using listMaker = std::function<lists()>;
-    /// Stores the next version, and marks the uploads in it as published. @p take gets each upload
-    /// before @p make is called; nobody else can publish meanwhile. The version.
+    /// Stores the next version, marks the uploads in it as published, and returns its number.
+    /// @p take gets each upload before @p make is called; nobody else can publish meanwhile.
     outcome<int> publish(const std::function<void(const storedUpload &)> &take,
                          const listMaker &make);
 
@@ -63,11 +63,11 @@ public:
 
 private:
     outcome<void> createTables();
-    /// Checks the schema's version, and notes it in a new database.
+    /// Checks the version of the schema, or writes it into a new database.
     outcome<void> checkSchema();
     outcome<void> insert(const QVector<storedUpload> &uploads);
     outcome<void> insertList(const storedList &list);
-    /// The version that publish has stored, in a transaction that is still open.
+    /// What publish does, within its transaction.
     outcome<int> insertNextLists(const std::function<void(const storedUpload &)> &take,
                                  const listMaker &make);
     /// Does @p work in a transaction that writes: commits it if it has worked, else undoes it.

@@ -155,7 +155,7 @@ exitCode importFile(resultStore &store, const QString &path)
                  QString::number(report->estimates)));
 }
 
-/// What cannot be written is noticed at the end of the program.
+/// Whether all of it could be written is checked at the end of the program.
 exitCode exportToOutput(resultStore &store)
 {
     QFile output;

@@ -33,7 +33,7 @@ outcome<void> checkResults(const QMap<QString, benchResults::test> &tests)
             return failure(
                 QStringLiteral("there is no test '%1'").arg(test.key().left(maximumNameLength)));
         }
-        // As it is stored, with six digits: an upload that was taken must be one for ever.
+        // As it is stored, with six digits: what is accepted now must be so when it is read again.
         const float value = QString::number(static_cast<double>(test->value)).toFloat();
         if (!(value >= 0 && value < *ceiling)) {
             return failure(QStringLiteral("the result of '%1' must be at least 0 and below %2")
