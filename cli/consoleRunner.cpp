@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
 
+#include "console/standardStreams.h"
 #include "data/httpDatabase.h"
 
 #include <csignal>
-#include <cstdio>
 
 namespace
 {
@@ -18,8 +18,8 @@ extern "C" void noteInterrupt(int signal)
     std::signal(signal, SIG_DFL);
 }
 
-/// Whoever starts a program in the background without a terminal has it ignore Ctrl-C, which is
-/// meant for others.
+/// A program that was started in the background may have been told to ignore Ctrl-C, which is meant
+/// for others; then it goes on ignoring it.
 void listenToInterrupts()
 {
     if (std::signal(SIGINT, noteInterrupt) == SIG_IGN)
@@ -33,21 +33,16 @@ public:
     bool isStopRequested() override { return interrupted != 0; }
 };
 
-/// Keeps the log of a runner that is only asked for its lists from being seen.
+/// Drops the log of a runner that is only asked for its lists.
 class silence : public printHook
 {
 public:
     void print(const QString &) override {}
 };
 
-void write(const QString &text, std::FILE *stream)
+exitCode failed(const QString &sentence)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
-}
-
-void complain(const QString &sentence)
-{
-    write(QStringLiteral("fennick-cli: %1\n").arg(sentence), stderr);
+    return complain(consoleRunnerName(), sentence);
 }
 
 /// Loads the list of machines and this one. The log says where they come from; what could not be
@@ -57,11 +52,11 @@ void load(benchBase &runner)
     runner.loadReferenceData(benchBase::normalReference);
     runner.loadUserData();
     for (const QString &problem : runner.getLoadProblems())
-        complain(problem);
+        complain(consoleRunnerName(), problem);
 }
 
 /// The exit code of a full run and of what follows it.
-int runFull(const commandLine &command, benchBase &runner)
+exitCode runFull(const commandLine &command, benchBase &runner)
 {
     if (runner.runBenchmark())
         return exitInterrupted;
@@ -74,24 +69,23 @@ int runFull(const commandLine &command, benchBase &runner)
     }
     if (!runner.storeUserData()) {
         // An upload would send what was stored before.
-        complain(command.isUpload
-                     ? QStringLiteral("the results could not be stored, and are not uploaded")
-                     : QStringLiteral("the results could not be stored"));
-        return exitFailure;
+        return failed(command.isUpload
+                          ? QStringLiteral("the results could not be stored, and are not uploaded")
+                          : QStringLiteral("the results could not be stored"));
     }
     if (runner.getFailedTests() > 0) {
-        // What is uploaded is a whole run, and what an earlier one left in the record is none.
-        if (command.isUpload)
-            complain(QStringLiteral("tests without a result: %1; the run is not uploaded")
-                         .arg(runner.getFailedTests()));
-        return exitFailure;
+        // Only whole runs are uploaded; the record may still hold results of an earlier one.
+        return command.isUpload
+                   ? failed(QStringLiteral("tests without a result: %1; the run is not uploaded")
+                                .arg(runner.getFailedTests()))
+                   : exitFailure;
     }
     return !command.isUpload || runner.uploadResults() ? exitSuccess : exitFailure;
 }
 
 } // namespace
 
-int runTests(const commandLine &command, benchBase &runner, stopHook &stop)
+exitCode runTests(const commandLine &command, benchBase &runner, stopHook &stop)
 {
     load(runner);
     if (stop.isStopRequested()) {
@@ -114,25 +108,16 @@ int runTests(const commandLine &command, benchBase &runner, stopHook &stop)
     return isComplete ? exitSuccess : exitFailure;
 }
 
-int runConsole(const QStringList &arguments)
+exitCode runConsole(const QStringList &arguments)
 {
     silence silent;
     const benchBase lists(&silent, nullptr, nullptr);
-    const commandLine command =
+    const parsed<commandLine> command =
         parseCommandLine(arguments, lists.getTestNames(), lists.getResolutionNames());
-    switch (command.wanted) {
-    case commandLine::showText:
-        write(command.message, stdout);
-        return exitSuccess;
-    case commandLine::showError:
-        write(command.message, stderr);
-        return exitUsage;
-    case commandLine::runFull:
-    case commandLine::runTests:
-        break;
-    }
+    if (!command)
+        return sayInClosing(command.error());
     interruptHook stop;
     benchBase runner(nullptr, &stop, nullptr, makeSuite(nullptr),
-                     std::make_unique<httpDatabase>(command.server));
-    return runTests(command, runner, stop);
+                     std::make_unique<httpDatabase>(command->server));
+    return runTests(*command, runner, stop);
 }

@@ -3,13 +3,10 @@
 
 #include "cli/commandLine.h"
 
-/// Exit codes of the console runner.
-enum exitCode { exitSuccess = 0, exitFailure = 1, exitUsage = 2, exitInterrupted = 130 };
-
 /// Does what @p command asks for, with @p runner, and returns the exit code. @p stop tells whether
 /// a run was broken off.
-int runTests(const commandLine &command, benchBase &runner, stopHook &stop);
+exitCode runTests(const commandLine &command, benchBase &runner, stopHook &stop);
 
 /// The whole program: reads @p arguments, runs, and lets Ctrl-C end the run after the test's
 /// current work unit.
-int runConsole(const QStringList &arguments);
+exitCode runConsole(const QStringList &arguments);

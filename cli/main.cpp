@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
-#include "cli/standardStreams.h"
+#include "console/standardStreams.h"
 #include "engine/computerName.h"
 
 #include <QCoreApplication>
@@ -12,8 +12,6 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     // The same as the window's, so that both keep their files in the same directory.
     QCoreApplication::setApplicationName(QStringLiteral("fennick"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(FENNICK_VERSION));
     provideComputerName(QSysInfo::machineHostName());
-    return exitCodeAfterOutput(runConsole(QCoreApplication::arguments()),
-                               QStringLiteral("fennick-cli"));
+    return exitCodeAfterOutput(runConsole(QCoreApplication::arguments()), consoleRunnerName());
 }

@@ -20,3 +20,4 @@ fennick_find_package(Qt5 5.15 REQUIRED COMPONENTS Charts Core Gui Network Widget
 fennick_find_package(OpenMP REQUIRED COMPONENTS CXX)
 fennick_find_package(ZLIB REQUIRED)
 fennick_find_package(Threads REQUIRED)
+fennick_find_package(tl-expected REQUIRED)

@@ -11,7 +11,6 @@
 #include <QStandardPaths>
 #include <QXmlStreamWriter>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -20,12 +19,11 @@ namespace
 /// The version of the list inside the program; only a higher one is worth a download.
 constexpr quint32 builtInVersion = 1010;
 
-QString userDataName()
-{
-    return QStringLiteral("user_data.xml");
-}
+const QString listName = QStringLiteral("db.xml");
+const QString listVersionName = QStringLiteral("db_version");
+const QString userDataName = QStringLiteral("user_data.xml");
 
-/// All of @p content, or what was there before.
+/// Replaces a file by one with @p content, or leaves it as it is if that fails.
 bool writeFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
@@ -34,11 +32,11 @@ bool writeFile(const QString &path, const QByteArray &content)
            && file.write(content) == content.size() && file.flush() && file.commit();
 }
 
-/// What is to be said of a file of which not all could be read; else nothing.
-QString problemOf(const QFile &file, const listEnd &end)
+/// A sentence about a file that could not be read to its end.
+std::optional<QString> problemOf(const QFile &file, const listEnd &end)
 {
     if (end.how == listEnd::complete)
-        return {};
+        return std::nullopt;
     if (file.error() != QFileDevice::NoError) {
         return QStringLiteral("'%1' cannot be read: %2").arg(file.fileName(), file.errorString());
     }
@@ -69,7 +67,7 @@ void benchDataAccess::print(const QString &text)
     std::fflush(stdout);
 }
 
-void benchDataAccess::loadReferenceData(int source)
+void benchDataAccess::loadReferenceData(referenceSource source)
 {
     results.clear();
     loadProblems.clear();
@@ -80,60 +78,62 @@ void benchDataAccess::loadReferenceData(int source)
     printDeviceCount();
 }
 
-bool benchDataAccess::updateReference(int source)
+bool benchDataAccess::updateReference(referenceSource source)
 {
     if (source == betaReference) {
-        if (!downloadReference(false, 0))
+        if (!downloadReference(betaReference, 0))
             return false;
         print(QStringLiteral("Update DB successfully (BETA)\n"));
         return true;
     }
-    quint32 version = 0;
-    if (!isNewerOnline(version))
+    const std::optional<quint32> version = newerOnlineVersion();
+    if (!version)
         return true;
-    if (!downloadReference(true, version))
+    if (!downloadReference(normalReference, *version))
         return false;
     print(QStringLiteral("Update DB successfully\n"));
     return true;
 }
 
-bool benchDataAccess::isNewerOnline(quint32 &highestVersion)
+std::optional<quint32> benchDataAccess::newerOnlineVersion()
 {
     QByteArray reply;
     if (!online->request(onlineDatabase::referenceVersion, reply)) {
         print(QStringLiteral("No online database found\n"));
-        return false;
+        return std::nullopt;
     }
     const quint32 onlineVersion = QString::fromUtf8(reply).toUInt();
     const quint32 ownVersion = localVersion();
     const QString ownText = ownVersion == 0 ? QStringLiteral("BETA") : QString::number(ownVersion);
     print(QStringLiteral("Online database has version %1 (local %2)\n")
               .arg(QString::number(onlineVersion), ownText));
-    highestVersion = std::max(onlineVersion, ownVersion);
-    return onlineVersion > ownVersion;
+    return onlineVersion > ownVersion ? std::make_optional(onlineVersion) : std::nullopt;
 }
 
-bool benchDataAccess::downloadReference(bool normal, quint32 version)
+bool benchDataAccess::downloadReference(referenceSource source, quint32 version)
 {
     QByteArray xml;
-    if (!online->request(normal ? onlineDatabase::reference : onlineDatabase::betaReference, xml)
-        || readMachines(xml).isEmpty())
+    const onlineDatabase::requestKind list =
+        source == betaReference ? onlineDatabase::betaReference : onlineDatabase::reference;
+    if (!online->request(list, xml) || readMachines(xml).isEmpty())
         return false;
     bool ok = true;
     const QString directory = userDataDirectory(ok);
     // The version last: it must never stand for a list that is not there.
-    return ok && writeFile(directory + QStringLiteral("db.xml"), xml)
-           && writeFile(directory + QStringLiteral("db_version"),
-                        QByteArray::number(normal ? version : 0));
+    return ok && writeFile(directory + listName, xml)
+           && writeFile(directory + listVersionName, QByteArray::number(version));
+}
+
+std::optional<QString> benchDataAccess::userFile(const QString &name)
+{
+    bool ok = true;
+    const QString directory = userDataDirectory(ok);
+    return ok ? std::make_optional(directory + name) : std::nullopt;
 }
 
 bool benchDataAccess::parseDownloadedReference()
 {
-    bool ok = true;
-    const QString directory = userDataDirectory(ok);
-    if (!ok)
-        return false;
-    QFile file(directory + QStringLiteral("db.xml"));
+    QFile file(userFile(listName).value_or(QString()));
     if (!file.exists())
         return false;
     print(QStringLiteral("Use local benchmark DB\n"));
@@ -159,9 +159,8 @@ listEnd benchDataAccess::parseXml(QIODevice &device)
 
 void benchDataAccess::parseFile(QFile &file)
 {
-    const QString problem = problemOf(file, parseXml(file));
-    if (!problem.isEmpty())
-        loadProblems.append(problem);
+    if (const auto problem = problemOf(file, parseXml(file)))
+        loadProblems.append(*problem);
 }
 
 void benchDataAccess::printDeviceCount()
@@ -175,10 +174,9 @@ void benchDataAccess::printDeviceCount()
 
 quint32 benchDataAccess::localVersion()
 {
-    bool ok = true;
-    const QString directory = userDataDirectory(ok);
-    QFile file(directory + QStringLiteral("db_version"));
-    if (!ok || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+    const std::optional<QString> path = userFile(listVersionName);
+    QFile file(path.value_or(QString()));
+    if (!path || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return builtInVersion;
     constexpr qint64 longestNumber = 64;
     return QString::fromUtf8(file.read(longestNumber)).trimmed().toUInt();
@@ -208,11 +206,7 @@ void benchDataAccess::loadUserData()
 
 bool benchDataAccess::parseUserData()
 {
-    bool ok = true;
-    const QString directory = userDataDirectory(ok);
-    if (!ok)
-        return false;
-    QFile file(directory + userDataName());
+    QFile file(userFile(userDataName).value_or(QString()));
     if (!file.exists())
         return false;
     print(QStringLiteral("Found local user benchmark data\n"));
@@ -220,20 +214,19 @@ bool benchDataAccess::parseUserData()
     parseFile(file);
     if (results.size() > referenceMachines)
         return true;
-    print(QStringLiteral("They cannot be read: '%1' is left as it is until results are stored\n")
+    print(QStringLiteral("'%1' cannot be read; it is kept until new results are stored\n")
               .arg(file.fileName()));
     return false;
 }
 
 bool benchDataAccess::storeUserData()
 {
-    bool ok = true;
-    const QString directory = userDataDirectory(ok);
-    if (!ok) {
+    const std::optional<QString> path = userFile(userDataName);
+    if (!path) {
         print(QStringLiteral("Can't store userdata (directory not writable)\n"));
         return false;
     }
-    if (!writeFile(directory + userDataName(), userDataXml())) {
+    if (!writeFile(*path, userDataXml())) {
         print(QStringLiteral("Can't store userdata (not writable)\n"));
         return false;
     }
@@ -262,28 +255,26 @@ QByteArray benchDataAccess::userDataXml() const
 
 void benchDataAccess::removeUserData()
 {
-    bool ok = true;
-    const QString directory = userDataDirectory(ok);
-    if (!ok) {
-        // Said of the directory, whatever it sounds like; a missing file is not told apart.
+    const std::optional<QString> path = userFile(userDataName);
+    if (!path) {
+        // It is the directory that does not exist, on purpose; a missing file is not told apart.
         print(QStringLiteral("Can not remove user benchmark data (doesn't exists)\n"));
         return;
     }
-    QFile::remove(directory + userDataName());
+    QFile::remove(*path);
     print(QStringLiteral("Remove user benchmark data\n"));
 }
 
 bool benchDataAccess::uploadResults()
 {
-    bool ok = true;
-    const QString directory = userDataDirectory(ok);
-    if (!ok) {
+    const std::optional<QString> path = userFile(userDataName);
+    if (!path) {
         print(QStringLiteral("Can't upload results (directory) found\n"));
         return false;
     }
-    QFile file(directory + userDataName());
+    QFile file(*path);
     QByteArray xml;
-    // The database is told of a machine without results too.
+    // Without results an empty upload is sent, on purpose.
     if (file.open(QIODevice::ReadOnly | QIODevice::Text))
         xml = QString::fromUtf8(file.read(maximumXmlSize)).toUtf8();
     else

@@ -10,6 +10,7 @@
 #include <QVector>
 
 #include <memory>
+#include <optional>
 
 class QFile;
 class QIODevice;
@@ -35,19 +36,18 @@ public:
 
     /// Empties the list and fills it with reference machines. loadUserData must follow, or the last
     /// reference machine would pass for this one.
-    void loadReferenceData(int source);
+    void loadReferenceData(referenceSource source);
     /// Appends this machine, as it was stored, or as it is and with a result of 0 for every test.
     void loadUserData();
-    /// What could not be read in the latest load, of the reference data or after it: one sentence
-    /// for each file, without an end of line. The log is not told.
+    /// What could not be read since the latest load of reference data, that load included: one
+    /// sentence for each file, without an end of line. They are not printed.
     const QStringList &getLoadProblems() const { return loadProblems; }
-    /// Stores the last machine without the results of single-only tests. A file that was there
-    /// before is replaced by a complete one or kept; false in that case.
+    /// Stores the last machine without the results of single-only tests. An older file is replaced
+    /// by a complete one, or kept if that fails, which is false.
     bool storeUserData();
     /// Removes what was stored; the list in memory stays as it is.
     void removeUserData();
-    /// Sends what was stored, or nothing where there is nothing. False if the database did not take
-    /// it.
+    /// Sends what was stored, which may be nothing. False if the database did not accept it.
     bool uploadResults();
 
     /// Opens @p device and appends the machines of its XML. Nothing happens if it cannot be opened,
@@ -67,11 +67,15 @@ protected:
     QVector<benchResults> results;
 
 private:
-    bool isNewerOnline(quint32 &highestVersion);
-    bool downloadReference(bool normal, quint32 version);
-    /// Fills the place of the built-in list by a download, if one is wanted. False if it failed.
-    bool updateReference(int source);
+    /// The version of the online list, if it is newer than the local one.
+    std::optional<quint32> newerOnlineVersion();
+    /// Stores the list of @p source as one of @p version. False if that failed.
+    bool downloadReference(referenceSource source, quint32 version);
+    /// Downloads the list of @p source, if there is a newer one. False if that failed.
+    bool updateReference(referenceSource source);
     bool parseDownloadedReference();
+    /// Where the file @p name of this program is, or would be. Prints it if there is no directory.
+    std::optional<QString> userFile(const QString &name);
     /// Parses @p file, and keeps a sentence if not all of it could be read.
     void parseFile(QFile &file);
     /// False if there are no stored results, or none that can be read.

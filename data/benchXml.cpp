@@ -1,53 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchXml.h"
 
+#include "data/benchReader.h"
+
 #include <QBuffer>
 #include <QIODevice>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 #include <algorithm>
-#include <limits>
 
 namespace
 {
-
-/// A thread count from a number that may be anything, "nan" and "1e30" included.
-int truncatedToInt(float number)
-{
-    constexpr auto limit = static_cast<float>(std::numeric_limits<int>::max());
-    if (!(number > -limit && number < limit))
-        return 0;
-    return static_cast<int>(number);
-}
-
-/// The text of an attribute, as long as a name may be.
-QString textOf(const QXmlStreamAttributes &attributes, const char *name)
-{
-    const QStringRef text = attributes.value(QLatin1String(name));
-    if (text.size() <= maximumTextLength)
-        return text.toString();
-    const bool isTorn = text.at(maximumTextLength - 1).isHighSurrogate()
-                        && text.at(maximumTextLength).isLowSurrogate();
-    return text.left(isTorn ? maximumTextLength - 1 : maximumTextLength).toString();
-}
-
-float numberOf(const QXmlStreamAttributes &attributes, const char *name)
-{
-    return attributes.value(QLatin1String(name)).toFloat();
-}
-
-benchResults machineOf(const QXmlStreamAttributes &attributes)
-{
-    return {textOf(attributes, "machineName"), textOf(attributes, "os"), textOf(attributes, "cpu"),
-            numberOf(attributes, "clock"), truncatedToInt(numberOf(attributes, "threadCount"))};
-}
 
 /// Appends machines to a list while the pieces of its file come in.
 class listReader
 {
 public:
-    explicit listReader(QVector<benchResults> &list) : machines(list), firstMachine(list.size()) {}
+    explicit listReader(QVector<benchResults> &list) : reader(list) {}
 
     /// Reads what is complete with @p piece. False when reading has ended before the file's end.
     bool take(const QByteArray &piece)
@@ -80,66 +50,21 @@ public:
     }
 
 private:
-    // What the XML reader has to remember, and what takes it longer than it is long.
-    static constexpr int deepest = 64;
-    static constexpr int mostAttributes = 64;
+    /// The XML reader goes over all of an unfinished token again with each piece.
     static constexpr int longestToken = 128 * 1024;
 
     void readToken()
     {
-        switch (xml.tokenType()) {
-        case QXmlStreamReader::StartElement:
-            readElement(xml.attributes());
-            if (++depth > deepest)
-                how = listEnd::fault;
-            break;
-        case QXmlStreamReader::EndElement:
-            --depth;
-            break;
-        case QXmlStreamReader::DTD:
-            // Its declarations could make much of little, again and again.
-            if (xml.text().contains(QLatin1Char('[')))
-                how = listEnd::fault;
-            break;
-        default:
-            break;
-        }
-    }
-
-    void readElement(const QXmlStreamAttributes &attributes)
-    {
-        if (attributes.size() > mostAttributes)
-            how = listEnd::fault;
-        else if (attributes.isEmpty())
+        const std::optional<benchFault> fault = reader.take(xml);
+        if (!fault || fault->what < benchFault::declarations)
             return;
-        else if (xml.name() == QLatin1String("bench"))
-            addMachine(attributes);
-        else if (xml.name() == QLatin1String("test") && machines.size() > firstMachine)
-            addResult(attributes);
-    }
-
-    void addMachine(const QXmlStreamAttributes &attributes)
-    {
-        if (machines.size() - firstMachine == maximumMachines)
-            how = listEnd::cut;
-        else
-            machines.append(machineOf(attributes));
-    }
-
-    void addResult(const QXmlStreamAttributes &attributes)
-    {
-        benchResults &machine = machines.last();
-        const QString name = textOf(attributes, "name");
-        if (machine.getTests().size() == maximumResults && !machine.findTest(name))
-            how = listEnd::cut;
-        else
-            machine.setTest(name, benchResults::test(numberOf(attributes, "result")));
+        const bool isCut =
+            fault->what == benchFault::tooManyMachines || fault->what == benchFault::tooManyResults;
+        how = isCut ? listEnd::cut : listEnd::fault;
     }
 
     QXmlStreamReader xml;
-    QVector<benchResults> &machines;
-    int firstMachine;
-    int depth = 0;
+    benchReader reader;
     int bytesWithoutToken = 0;
     listEnd::kind how = listEnd::complete;
 };
@@ -211,8 +136,8 @@ listEnd readMachines(QIODevice &device, QVector<benchResults> &machines)
         const listEnd end = reader.end();
         return isCut && last == content.size() ? listEnd{listEnd::cut, end.line} : end;
     }
-    // Of a piece with bytes that are not of the file's encoding, the XML reader gives nothing at
-    // all. In a faulty file, short pieces save what stands before such bytes.
+    // The XML reader drops the whole of a piece that has bytes outside the file's encoding. Short
+    // pieces save what comes before such bytes.
     machines.resize(firstMachine);
     listReader carefulReader(machines);
     readPieces(content, last, carefulReader);

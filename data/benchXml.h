@@ -10,18 +10,9 @@ class QIODevice;
 class QXmlStreamWriter;
 
 /// At most this many bytes of one file are read. A list of all known machines takes a hundredth of
-/// it; this limit and those that follow bound the memory and the time that a damaged or hostile
-/// file can ask for.
+/// it; this limit and those of data/benchReader.h bound the memory and the time that a damaged or
+/// hostile file can ask for.
 constexpr qint64 maximumXmlSize = 16 * 1024 * 1024;
-
-/// At most this many machines, and results of one machine, are read. A file of the maximum size has
-/// room for no more machines than that with the results of a full run.
-constexpr int maximumMachines = 16 * 1024;
-constexpr int maximumResults = 1000;
-
-/// Names of machines, systems, processors and tests are cut to this many UTF-16 code units, or to
-/// one less where a character would be torn.
-constexpr int maximumTextLength = 256;
 
 /// How the reading of a list has ended.
 struct listEnd {
@@ -35,13 +26,14 @@ struct listEnd {
     qint64 line = 1; ///< where reading ended, from 1
 };
 
-/// Appends the machines of an XML result list to @p machines.
+/// Appends the machines of an XML result list to @p machines, as far as the list makes sense.
 ///
 /// The format is a root element of any name with one element per machine,
 /// <bench machineName os cpu clock threadCount>, clock in Hz, and in it one empty element
-/// <test name result> per result. Missing attributes read as empty or 0; other elements, and a test
-/// before the first machine, are ignored. @p device must be open for reading. Reading stops at the
-/// first fault; what came before it is kept. To have declarations of its own, of entities or of
+/// <test name result> per result. Elements without attributes are ignored wherever they are, and
+/// so are all other elements and a test before the first machine; otherwise missing attributes read
+/// as empty or 0. @p device must be open for reading. Reading stops at the first fault; what came
+/// before it is kept. To have declarations of its own, of entities or of
 /// attributes, is a fault of a list, and so are more than 64 levels of nesting, more than 64
 /// attributes of an element, and 128 KiB without the end of a tag, a text or a comment.
 listEnd readMachines(QIODevice &device, QVector<benchResults> &machines);

@@ -37,12 +37,12 @@ bool isBounded(const char *data, int size, qint64 maximumSize)
 
 } // namespace
 
-QByteArray uncompressed(const QByteArray &packed, qint64 maximumSize)
+std::optional<QByteArray> uncompressed(const QByteArray &packed, qint64 maximumSize)
 {
     // The length in front may lie in both directions: qUncompress asks for that much memory at
     // once, and doubles what it has until all fits.
     if (packed.size() <= lengthBytes || qFromBigEndian<quint32>(packed.constData()) > maximumSize
         || !isBounded(packed.constData() + lengthBytes, packed.size() - lengthBytes, maximumSize))
-        return {};
+        return std::nullopt;
     return qUncompress(packed);
 }

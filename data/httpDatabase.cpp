@@ -18,28 +18,28 @@
 namespace
 {
 
-/// The word for a request in its form, empty for a number that means none.
-QByteArray typeOf(int requested)
+/// The type of a request in its form; nothing for a number that means none.
+std::optional<QByteArray> typeOf(int requested)
 {
     switch (requested) {
     case onlineDatabase::referenceVersion:
-        return "getReferenceVersion";
+        return QByteArrayLiteral("getReferenceVersion");
     case onlineDatabase::reference:
-        return "getReference";
+        return QByteArrayLiteral("getReference");
     case onlineDatabase::betaReference:
-        return "getReferenceBeta";
+        return QByteArrayLiteral("getReferenceBeta");
     case onlineDatabase::storeResults:
-        return "storeUserData";
+        return QByteArrayLiteral("storeUserData");
     default:
-        return {};
+        return std::nullopt;
     }
 }
 
-/// A body that can be read once. The toolkit would send others again, up to three times, to a
-/// server that closes the connection without a reply, and results would be stored as often. Going
-/// back to the start must not fail: the toolkit does it, and drops the reply if it cannot, also
-/// where the end of the connection is the end of the reply. (A QBuffer's content is taken without
-/// asking it.)
+/// A body that can be read only once. The toolkit would send any other body up to three more times
+/// to a server that closes the connection without a reply, and the results would be stored as
+/// often. Seeking back to the start must succeed all the same: the toolkit does it even where the
+/// end of the connection marks the end of the reply, and drops the reply if it fails. (QBuffer does
+/// not do: its content is taken without a call of readData.)
 class onceOnly : public QIODevice
 {
 public:
@@ -68,7 +68,7 @@ QNetworkRequest formRequest(const QString &endpoint)
     QNetworkRequest request{QUrl(endpoint)};
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       QStringLiteral("application/x-www-form-urlencoded"));
-    // Otherwise the toolkit offers to unpack replies by itself, without a limit.
+    // Otherwise the toolkit offers to decompress replies by itself, without a limit.
     request.setRawHeader("Accept-Encoding", "identity");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
@@ -99,22 +99,25 @@ bool httpDatabase::isHost(const QString &text)
 
 bool httpDatabase::request(int requested, QByteArray &data)
 {
-    const QByteArray type = typeOf(requested);
-    if (type.isEmpty())
+    const std::optional<QByteArray> type = typeOf(requested);
+    if (!type)
         return false;
-    QVector<QPair<QByteArray, QByteArray>> items = {{"app", "Fennick"}, {"type", type}};
+    QVector<QPair<QByteArray, QByteArray>> items = {{"app", "Fennick"}, {"type", *type}};
     if (requested == storeResults)
         items.append({"results", data});
-    QByteArray reply;
-    if (!post(formBody(items), requested == referenceVersion ? limit.version : limit.others, reply))
+    const std::optional<QByteArray> reply =
+        post(formBody(items), requested == referenceVersion ? limit.version : limit.others);
+    if (!reply)
         return false;
     if (requested == storeResults)
         return true;
-    data = requested == referenceVersion ? reply : uncompressed(reply, maximumXmlSize);
+    data = requested == referenceVersion
+               ? *reply
+               : uncompressed(*reply, maximumXmlSize).value_or(QByteArray());
     return !data.isEmpty();
 }
 
-bool httpDatabase::post(const QByteArray &body, int timeOut, QByteArray &reply)
+std::optional<QByteArray> httpDatabase::post(const QByteArray &body, int timeOut)
 {
     if (!network) {
         network = std::make_unique<QNetworkAccessManager>();
@@ -124,7 +127,7 @@ bool httpDatabase::post(const QByteArray &body, int timeOut, QByteArray &reply)
     onceOnly upload(body);
     const std::unique_ptr<QNetworkReply> answer(network->post(formRequest(endpoint), &upload));
     if (!answer)
-        return false;
+        return std::nullopt;
     QEventLoop loop;
     QObject::connect(network.get(), &QNetworkAccessManager::finished, &loop,
                      [&loop, &answer](const QNetworkReply *finished) {
@@ -132,7 +135,7 @@ bool httpDatabase::post(const QByteArray &body, int timeOut, QByteArray &reply)
                              loop.quit();
                      });
     QTimer::singleShot(timeOut, &loop, &QEventLoop::quit);
-    // No list is that long, and without an end a reply would fill the memory.
+    // No list is longer than that, and an endless reply would fill the memory.
     answer->setReadBufferSize(maximumXmlSize + 1);
     QObject::connect(answer.get(), &QNetworkReply::readyRead, &loop, [&answer] {
         if (answer->bytesAvailable() > maximumXmlSize)
@@ -141,7 +144,6 @@ bool httpDatabase::post(const QByteArray &body, int timeOut, QByteArray &reply)
     loop.exec(QEventLoop::ExcludeUserInputEvents);
 
     if (answer->error() != QNetworkReply::NoError)
-        return false;
-    reply = answer->readAll();
-    return true;
+        return std::nullopt;
+    return answer->readAll();
 }

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class QNetworkAccessManager;
 
@@ -35,13 +36,13 @@ public:
     bool request(int requested, QByteArray &data) override;
 
 private:
-    /// False for an error, or for a reply that is too long. After a time-out, @p reply is what has
-    /// come by then, and that is no error.
-    bool post(const QByteArray &body, int timeOut, QByteArray &reply);
+    /// The reply; nothing after an error, or if it is too long. A time-out is no error: the reply
+    /// is then what has come so far.
+    std::optional<QByteArray> post(const QByteArray &body, int timeOut);
 
     QString endpoint;
     timeOuts limit;
-    /// Lives longer than a request: the end of its thread has to wait for a server that never comes
-    /// to the end of a header.
+    /// Lives longer than a request: to end its thread takes a wait where a server never finishes
+    /// its header.
     std::unique_ptr<QNetworkAccessManager> network;
 };

@@ -75,7 +75,7 @@ void selectSpread(QVector<benchResults> &machines, int count)
     }
 }
 
-void select(QVector<benchResults> &machines, int mode, int count)
+void select(QVector<benchResults> &machines, selectionMode mode, int count)
 {
     const int size = machines.size();
     if (mode == allDevices) {

@@ -22,7 +22,7 @@ benchResults::test *benchResults::findTest(const QString &testName)
     return found == tests.end() ? nullptr : &found.value();
 }
 
-QString benchResults::describe(int style) const
+QString benchResults::describe(descriptionStyle style) const
 {
     const QString clock =
         frequency == 0.0F ? QString()

@@ -30,7 +30,7 @@ public:
     };
 
     /// How describe words a machine.
-    enum descriptionStyle {
+    enum descriptionStyle : int {
         fullDescription = 0,     ///< LAB7 8C 3.4 GHz (windows)
         nameDescription = 1,     ///< LAB7
         processorDescription = 2 ///< Some Processor X8  3.4 GHz
@@ -67,7 +67,7 @@ public:
     test *findTest(const QString &testName);
 
     /// One line about the machine in one of the styles above; empty for any other number.
-    QString describe(int style) const;
+    QString describe(descriptionStyle style) const;
 
 private:
     float score = 0;

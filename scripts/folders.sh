@@ -20,6 +20,7 @@ floors='2 ui the windows
 2 tools/reference makes the list of machines
 1 tests the workloads
 1 data records, store, exchange, ranking
+1 console what programs for a terminal share
 0 engine test interface, measurement, runner'
 
 # FILE FOLDER: what may point up. The runner owns the suite and hands results to the data.

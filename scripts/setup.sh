@@ -35,6 +35,7 @@ need_build_tools() {
     need has_cmake_package Qt5Widgets qtbase5-dev
     need has_cmake_package Qt5Charts libqt5charts5-dev
     need has_header zlib.h zlib1g-dev
+    need has_header tl/expected.hpp libexpected-dev
 }
 
 # The result database's; the benchmark does without.
@@ -54,7 +55,6 @@ need_display_tools() {
 
 need_test_tools() {
     need has_command objdump binutils
-    need has_header tl/expected.hpp libexpected-dev
     need has_cmake_package benchmark libbenchmark-dev
     need has_file qt5/plugins/sqldrivers/libqsqlpsql.so libqt5sql5-psql
     need has_file 'postgresql/*/bin/initdb' postgresql

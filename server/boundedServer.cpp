@@ -13,10 +13,15 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds fullPatience = 10s;
-constexpr std::chrono::milliseconds littlePatience = 1s;
-/// With many connections, one that says nothing gives way at once.
-constexpr std::chrono::milliseconds littlePatienceWithSilence = 100ms;
+/// How long a request may take, and how long a connection may be idle between two of them.
+struct timeOuts {
+    std::chrono::milliseconds request;
+    std::chrono::milliseconds idle;
+};
+
+constexpr timeOuts usualTimeOuts = {10s, 10s};
+/// While many connections are open, an idle one gives way at once.
+constexpr timeOuts crowdedTimeOuts = {1s, 100ms};
 constexpr int requestsPerConnection = 1'000;
 
 /// The length in the head of @p request, or -1 if there is none, or none that makes sense.
@@ -29,7 +34,7 @@ long long bodyLength(const httplib::Request &request)
     return std::stoll(text);
 }
 
-/// Whether the body of @p request may be read to its end.
+/// Whether the body of @p request has a length that is allowed.
 bool isBounded(const httplib::Request &request)
 {
     const bool hasLength = request.has_header("Content-Length");
@@ -45,8 +50,9 @@ void refuseBody(httplib::Response &response)
     response.set_content("a request has at most 65536 bytes, and says how many\n", "text/plain");
 }
 
-/// Ends a connection so that the other side can still read the answer: what it goes on sending is
-/// thrown away for a moment, because closing on unread data would take the answer back.
+/// Closes a connection so that the client can still read the answer. For a moment what it goes on
+/// sending is read and thrown away: closing with unread data resets the connection, and the client
+/// would lose the answer.
 void closeGently(socket_t sock)
 {
     ::shutdown(sock, SHUT_WR);
@@ -78,7 +84,8 @@ boundedServer::boundedServer(int mostConnections) : limit(mostConnections)
 
 int boundedServer::bind(const std::string &address, int port)
 {
-    // Without the option to share the port: a second server on it must fail, and not take turns.
+    // Without SO_REUSEPORT, which the library sets: a second server on the port must fail, not
+    // share its connections.
     set_socket_options([](socket_t sock) {
         const int yes = 1;
         setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
@@ -86,7 +93,7 @@ int boundedServer::bind(const std::string &address, int port)
     const int bound = port == 0                     ? bind_to_any_port(address)
                       : bind_to_port(address, port) ? port
                                                     : -1;
-    // The library queues five connections only, and a burst of more would wait for a second.
+    // The library's backlog is five connections; more at once would wait for a second.
     if (bound > 0)
         ::listen(svr_sock_, SOMAXCONN);
     return bound;
@@ -99,7 +106,7 @@ bool boundedServer::serve()
 
 void boundedServer::end()
 {
-    // The library passes over a stop that comes before it has begun.
+    // The library ignores a stop that comes before it accepts connections.
     constexpr auto longest = 5s;
     const auto start = deadlineStream::clock::now();
     while (!is_running() && deadlineStream::clock::now() - start < longest)
@@ -128,7 +135,7 @@ bool boundedServer::answerRequest(connection &stream, bool isLast, bool &isClose
     if constexpr (requires { process_request(stream, isLast, isClosed, prepare); }) {
         return process_request(stream, isLast, isClosed, prepare);
     } else {
-        // From 0.18 on it is told who is connected instead of asking the stream.
+        // From 0.18 on the addresses are arguments.
         std::string remote, local;
         int remotePort = 0, localPort = 0;
         stream.get_remote_ip_and_port(remote, remotePort);
@@ -142,11 +149,12 @@ void boundedServer::serveConnection(socket_t sock)
 {
     deadlineStream stream(sock, [this] { return svr_sock_ == INVALID_SOCKET; });
     for (int left = requestsPerConnection; left > 0; --left) {
-        const auto silence = isCrowded() ? littlePatienceWithSilence : fullPatience;
-        if (!stream.waitForRequest(deadlineStream::clock::now() + silence))
+        const auto idleTimeOut = (isCrowded() ? crowdedTimeOuts : usualTimeOuts).idle;
+        if (!stream.waitForRequest(deadlineStream::clock::now() + idleTimeOut))
             return;
-        const auto patience = isCrowded() ? littlePatience : fullPatience;
-        stream.beginRequest(deadlineStream::clock::now() + patience, maximumHead + maximumBody);
+        const auto requestTimeOut = (isCrowded() ? crowdedTimeOuts : usualTimeOuts).request;
+        stream.beginRequest(deadlineStream::clock::now() + requestTimeOut,
+                            maximumHead + maximumBody);
         bool isClosed = false;
         bool isUnread = false;
         const bool isDone =
@@ -156,9 +164,9 @@ void boundedServer::serveConnection(socket_t sock)
                     request.headers.erase("Connection");
                     request.set_header("Connection", "close");
                 }
-                // Packing an answer of four digits takes longer than sending it.
+                // Compressing an answer of four digits takes longer than sending it.
                 request.headers.erase("Accept-Encoding");
-                // A thousand ranges of a list would make a small request cost as many lists.
+                // A small request for a thousand ranges would be answered with as many lists.
                 request.ranges.clear();
             });
         if (!isDone || isClosed || isUnread || stream.isBroken())

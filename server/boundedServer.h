@@ -5,8 +5,8 @@
 
 #include <atomic>
 
-/// A web server that no client can keep busy: each request has a deadline and a size, the
-/// connections have a number, and with many of them open the deadlines are short.
+/// A web server that no client can keep busy: requests are limited in time and size, connections in
+/// number, and while many connections are open the time-outs are short.
 class boundedServer : public httplib::Server
 {
 public:
@@ -17,22 +17,22 @@ public:
 
     explicit boundedServer(int mostConnections);
 
-    /// Binds to @p port of @p address, or to a free one for 0. The port, or -1.
+    /// Binds to @p port of @p address, or to a free port for 0. The port, or -1.
     int bind(const std::string &address, int port);
-    /// Serves until stop() is called, then finishes what is in flight.
+    /// Serves until end() is called, then finishes the requests that it is reading or answering.
     bool serve();
-    /// Ends serve(), also one that has been called but does not accept yet.
+    /// Ends serve(), even if it has only just been called and accepts no connections yet.
     void end();
 
 private:
     bool process_and_close_socket(socket_t sock) override;
     void serveConnection(socket_t sock);
-    /// The library's way to read a request and answer it, whatever its version wants to know.
-    /// False if that failed.
+    /// Has the library read and answer a request, with the arguments that its version takes. False
+    /// if that failed.
     template <typename connection>
     bool answerRequest(connection &stream, bool isLast, bool &isClosed,
                        const std::function<void(httplib::Request &)> &prepare);
-    /// Whether so many connections are open that deadlines are short.
+    /// Whether so many connections are open that time-outs are short.
     bool isCrowded() const;
 
     int limit;

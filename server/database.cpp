@@ -12,13 +12,24 @@
 namespace
 {
 
-/// Any number that all processes at one database agree on.
+/// The key of the lock that orders writers in PostgreSQL; all processes must use the same.
 constexpr int writersLock = 8426;
 
 QString uniqueName()
 {
     static std::atomic<int> count = 0;
     return QStringLiteral("connection %1").arg(++count);
+}
+
+failure failureOf(const QSqlError &error)
+{
+    return failure(error.text().trimmed());
+}
+
+/// The outcome of @p query, where @p isDone says whether it was executed.
+outcome<void> outcomeOf(const QSqlQuery &query, bool isDone)
+{
+    return isDone ? outcome<void>() : failureOf(query.lastError());
 }
 
 } // namespace
@@ -65,11 +76,11 @@ void database::close()
     QSqlDatabase::removeDatabase(connectionName);
 }
 
-bool database::open()
+outcome<void> database::open()
 {
     if (isOpen())
-        return true;
-    bool isConnected = false;
+        return {};
+    outcome<void> done;
     {
         QSqlDatabase connection = QSqlDatabase::addDatabase(
             isSqlite() ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL"), connectionName);
@@ -84,68 +95,70 @@ bool database::open()
             connection.setPassword(address.password);
             connection.setConnectOptions(address.options);
         }
-        isConnected = connection.open();
-        lastError = connection.lastError().text().trimmed();
-        if (isConnected)
+        if (connection.open())
             configure();
+        else
+            done = failureOf(connection.lastError());
     }
-    if (!isConnected)
-        close();
-    return isConnected;
+    if (!done)
+        close(); // not before the connection has gone out of scope
+    return done;
 }
 
 void database::configure()
 {
-    if (!isSqlite()) { // which tables are there already is of no interest
+    if (!isSqlite()) { // no notices about tables that exist already
         execute(QStringLiteral("SET client_min_messages = warning"));
         return;
     }
-    // Readers go on while one writes, and what is committed is on the disk.
+    // Readers need not wait for a writer, and what is committed is on the disk.
     execute(QStringLiteral("PRAGMA journal_mode = WAL"));
     execute(QStringLiteral("PRAGMA synchronous = FULL"));
 }
 
-bool database::note(const QSqlQuery &query, bool isDone)
-{
-    if (!isDone)
-        lastError = query.lastError().text().trimmed();
-    return isDone;
-}
-
-std::optional<QSqlQuery> database::execute(const QString &sql, const QVariantList &values)
+outcome<QSqlQuery> database::execute(const QString &sql, const QVariantList &values)
 {
     QSqlQuery query(QSqlDatabase::database(connectionName, false));
     query.setForwardOnly(true);
-    if (values.isEmpty())
-        return note(query, query.exec(sql)) ? std::make_optional(query) : std::nullopt;
-    if (!note(query, query.prepare(sql)))
-        return std::nullopt;
-    for (const QVariant &value : values)
-        query.addBindValue(value);
-    return note(query, query.exec()) ? std::make_optional(query) : std::nullopt;
+    bool isDone = values.isEmpty() ? query.exec(sql) : query.prepare(sql);
+    if (isDone && !values.isEmpty()) {
+        for (const QVariant &value : values)
+            query.addBindValue(value);
+        isDone = query.exec();
+    }
+    return outcomeOf(query, isDone).map([&query] { return query; });
 }
 
-bool database::executeForEach(const QString &sql, const QVector<QVariantList> &columns)
+outcome<void> database::executeForEach(const QString &sql, const QVector<QVariantList> &columns)
 {
     QSqlQuery query(QSqlDatabase::database(connectionName, false));
-    if (!note(query, query.prepare(sql)))
-        return false;
-    for (const QVariantList &column : columns)
-        query.addBindValue(column);
-    return note(query, query.execBatch());
+    bool isDone = query.prepare(sql);
+    if (isDone) {
+        for (const QVariantList &column : columns)
+            query.addBindValue(column);
+        isDone = query.execBatch();
+    }
+    return outcomeOf(query, isDone);
 }
 
-bool database::beginWriting()
+outcome<void> database::beginWriting()
 {
+    const auto done = [](const QSqlQuery &) {};
     if (isSqlite())
-        return execute(QStringLiteral("BEGIN IMMEDIATE")).has_value();
-    return execute(QStringLiteral("BEGIN")).has_value()
-           && execute(QStringLiteral("SELECT pg_advisory_xact_lock(?)"), {writersLock}).has_value();
+        return execute(QStringLiteral("BEGIN IMMEDIATE")).map(done);
+    const outcome<void> begun = execute(QStringLiteral("BEGIN")).map(done);
+    if (!begun)
+        return begun;
+    const outcome<void> isAlone =
+        execute(QStringLiteral("SELECT pg_advisory_xact_lock(?)"), {writersLock}).map(done);
+    if (!isAlone)
+        rollback();
+    return isAlone;
 }
 
-bool database::commit()
+outcome<void> database::commit()
 {
-    return execute(QStringLiteral("COMMIT")).has_value();
+    return execute(QStringLiteral("COMMIT")).map([](const QSqlQuery &) {});
 }
 
 void database::rollback()

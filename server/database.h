@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/outcome.h"
+
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
@@ -25,7 +27,7 @@ struct databaseAddress {
 /// with sslmode and the like after the question mark too.
 std::optional<databaseAddress> parseDatabaseAddress(const QString &text);
 
-/// One connection. Used by the thread that made it alone.
+/// One connection, which only the thread that made it may use.
 class database
 {
 public:
@@ -34,29 +36,25 @@ public:
     database &operator=(const database &) = delete;
     ~database();
 
-    /// Opens the connection unless it is open. False, with a text in error(), if it cannot.
-    bool open();
+    /// Opens the connection unless it is open.
+    outcome<void> open();
     bool isOpen() const { return QSqlDatabase::contains(connectionName); }
     void close();
-    QString error() const { return lastError; }
     bool isSqlite() const { return address.product == databaseAddress::sqlite; }
 
-    /// Does what @p sql says, with @p values for its question marks in their order. Nothing if that
-    /// failed, with a text in error().
-    std::optional<QSqlQuery> execute(const QString &sql, const QVariantList &values = {});
-    /// Does @p sql once for each of the values of @p columns, all of one length.
-    bool executeForEach(const QString &sql, const QVector<QVariantList> &columns);
+    /// Executes @p sql with @p values for its question marks, in their order.
+    outcome<QSqlQuery> execute(const QString &sql, const QVariantList &values = {});
+    /// Executes @p sql once for each row of @p columns, which have one length.
+    outcome<void> executeForEach(const QString &sql, const QVector<QVariantList> &columns);
 
     /// Begins a transaction that writes, after others that write have ended.
-    bool beginWriting();
-    bool commit();
+    outcome<void> beginWriting();
+    outcome<void> commit();
     void rollback();
 
 private:
     void configure();
-    bool note(const QSqlQuery &query, bool isDone);
 
     databaseAddress address;
     QString connectionName;
-    QString lastError;
 };

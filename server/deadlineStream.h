@@ -8,9 +8,9 @@
 #include <functional>
 #include <string>
 
-/// A connection whose every request must be read, and answered, by a deadline, and may have so many
-/// bytes only. A time-out per read would not do: a client that sends a byte now and then would
-/// never meet it.
+/// A connection on which each request has a limited size and a deadline by which it must be read
+/// and answered. A time-out per read is not enough: a client that sends a byte now and then would
+/// never exceed it.
 class deadlineStream : public httplib::Stream
 {
 public:
@@ -19,14 +19,14 @@ public:
     /// @p connected is not owned. Waiting ends early when @p isEnding says so.
     deadlineStream(socket_t connected, std::function<bool()> isEnding);
 
-    /// Waits until the next request begins. False if none does by @p until, or the other side has
+    /// Waits until the next request begins. False if none does by @p until, or if the client has
     /// closed the connection.
     bool waitForRequest(clock::time_point until);
-    /// The request that begins now ends by @p until and has at most @p bytes.
+    /// The request that begins now must end by @p until and may have at most @p bytes.
     void beginRequest(clock::time_point until, std::size_t bytes);
 
-    /// Whether a request could not be read, or answered, in its time or size. What follows on the
-    /// connection makes no sense then.
+    /// Whether a request exceeded its time or size. What follows on the connection makes no sense
+    /// then.
     bool isBroken() const { return broken; }
 
     bool is_readable() const override;
@@ -38,7 +38,7 @@ public:
     socket_t socket() const override { return handle; }
 
 private:
-    /// Waits for @p events of the socket until @p until. False if they do not come.
+    /// Waits for @p events of the socket. False if there are none by @p until.
     bool poll(short events, clock::time_point until) const;
     bool fill();
 

@@ -4,7 +4,7 @@
 namespace
 {
 
-int hexDigit(char c)
+std::optional<int> hexDigit(char c)
 {
     if (c >= '0' && c <= '9')
         return c - '0';
@@ -12,7 +12,7 @@ int hexDigit(char c)
         return c - 'a' + 10;
     if (c >= 'A' && c <= 'F')
         return c - 'A' + 10;
-    return -1;
+    return std::nullopt;
 }
 
 std::optional<QByteArray> decoded(const QByteArray &text)
@@ -25,11 +25,12 @@ std::optional<QByteArray> decoded(const QByteArray &text)
             result.append(c == '+' ? ' ' : c);
             continue;
         }
-        const int high = i + 2 < text.size() ? hexDigit(text.at(i + 1)) : -1;
-        const int low = i + 2 < text.size() ? hexDigit(text.at(i + 2)) : -1;
-        if (high < 0 || low < 0)
+        const bool isLongEnough = i + 2 < text.size();
+        const std::optional<int> high = isLongEnough ? hexDigit(text.at(i + 1)) : std::nullopt;
+        const std::optional<int> low = isLongEnough ? hexDigit(text.at(i + 2)) : std::nullopt;
+        if (!high || !low)
             return std::nullopt;
-        result.append(static_cast<char>(high * 16 + low));
+        result.append(static_cast<char>(*high * 16 + *low));
         i += 2;
     }
     return result;

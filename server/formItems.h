@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// The items of a form-encoded body, decoded. One question mark in front is passed over, which some
-/// clients send. Nothing if an item has no name or stands twice, or a percent sign is not followed
+/// The decoded items of a form-encoded body. A question mark in front, which the programs send, is
+/// skipped. Nothing if an item has no name or appears twice, or if a percent sign is not followed
 /// by two hex digits.
 std::optional<QMap<QByteArray, QByteArray>> formItems(const QByteArray &body);

@@ -8,7 +8,7 @@
 namespace
 {
 
-constexpr auto idleTime = std::chrono::seconds(5);
+constexpr auto idleTimeOut = std::chrono::seconds(5);
 
 } // namespace
 
@@ -24,7 +24,7 @@ growingPool::enqueued growingPool::enqueue(std::function<void()> task)
         std::thread([this] { work(); }).detach();
         ++threads;
     } catch (const std::system_error &) {
-        changed.notify_all(); // the system has no more threads: as if the limit were reached
+        changed.notify_all(); // the system's own limit is reached
     }
     return static_cast<enqueued>(true);
 }
@@ -34,7 +34,7 @@ void growingPool::work()
     std::unique_lock lock(mutex);
     while (true) {
         ++idle;
-        changed.wait_for(lock, idleTime, [this] { return isEnding || !tasks.empty(); });
+        changed.wait_for(lock, idleTimeOut, [this] { return isEnding || !tasks.empty(); });
         --idle;
         if (tasks.empty())
             break;

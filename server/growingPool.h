@@ -9,18 +9,18 @@
 #include <mutex>
 #include <utility>
 
-/// Runs each task on a thread of its own, as many as there are tasks at a time, up to a limit;
-/// threads that have nothing to do for a while end. Tasks beyond the limit wait.
+/// A thread pool that grows with its tasks up to a limit; threads that are idle for a while end.
+/// Tasks beyond the limit wait.
 class growingPool : public httplib::TaskQueue
 {
 public:
-    /// Nothing or a bool, depending on the library's version; true where it can be said.
+    /// void or bool, depending on the library's version.
     using enqueued = decltype(std::declval<httplib::TaskQueue &>().enqueue({}));
 
     explicit growingPool(int mostThreads) : limit(mostThreads) {}
 
     enqueued enqueue(std::function<void()> task) override;
-    /// Finishes all tasks.
+    /// Finishes all tasks, then ends the threads.
     void shutdown() override;
 
 private:

@@ -3,5 +3,6 @@
 
 #include <QString>
 
-/// Writes one line with the time to standard error. Never hand it an address or a name.
+/// Writes a line with the time to standard error. The text must contain no address and no name of a
+/// person or computer.
 void writeLog(const QString &text);

@@ -3,7 +3,6 @@
 
 #include "data/benchXml.h"
 #include "data/estimate.h"
-#include "server/uploadOf.h"
 
 #include <QSet>
 #include <QXmlStreamWriter>
@@ -28,10 +27,10 @@ void publisher::add(const storedUpload &upload)
 {
     if (upload.state == QLatin1String("withdrawn") || upload.isEmpty)
         return;
-    const benchResults machine = machineOf(upload);
+    const benchResults machine = uploadedMachine(upload);
     const QString processor = machine.getCpu().simplified();
-    // What the programs call a processor that they could not find out; and no measured machine may
-    // look like a modelled one.
+    // The programs say "unknown" where they could not find out the processor's name. No measured
+    // machine may pass for a modelled one.
     if (processor == QLatin1String("unknown") || isEstimate(processor))
         return;
     group &own = groups[{processor, machine.getOs(), machine.getThreads()}];

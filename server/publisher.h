@@ -8,24 +8,24 @@
 
 #include <tuple>
 
-/// Makes reference lists of a list of machines and of uploads.
+/// Makes reference lists from a list of machines and from uploads.
 ///
-/// Uploads of one processor, operating system and thread count are one machine: the median of each
+/// Uploads of one processor, operating system and thread count make one machine: the median of each
 /// test's results, where 0 means that the test was not run. Its name is the processor's; the names
-/// of the computers, which may be those of persons, are dropped at once. The same uploads make the
+/// of the computers, which may be names of persons, are dropped at once. The same uploads make the
 /// same lists, in whatever order they come.
 class publisher
 {
 public:
-    /// A machine needs so many uploads to be on the normal list; the BETA list takes it from one.
+    /// A machine needs this many uploads to be on the normal list; one is enough for the BETA list.
     static constexpr int uploadsForTheNormalList = 3;
 
-    /// @p builtInMachines are the ones to start from. Modelled ones give way to measured ones of
-    /// the same processor.
+    /// The lists start with @p builtInMachines, but modelled ones give way to measured ones of the
+    /// same processor.
     explicit publisher(const QVector<benchResults> &builtInMachines) : builtIn(builtInMachines) {}
 
-    /// Counts @p upload in, unless it is withdrawn, holds no results, or its processor is unknown
-    /// or called an estimate.
+    /// Adds @p upload, unless it is withdrawn, all its results are 0, or its processor is unknown
+    /// or has the name of a modelled one.
     void add(const storedUpload &upload);
 
     /// The XML of the list, packed by qCompress.

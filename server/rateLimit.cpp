@@ -6,22 +6,22 @@
 namespace
 {
 
-/// Some 10 MB. With more addresses than that within a period, all are quiet ones that can wait.
+/// Some 10 MB. When more addresses than that send requests within a period, new ones have to wait.
 constexpr std::size_t maximumAddresses = 100'000;
 
 } // namespace
 
 bool rateLimit::isAllowed(const std::string &address, clock::time_point now)
 {
-    if (count <= 0)
+    if (capacity <= 0)
         return true;
     const std::lock_guard lock(mutex);
     if (buckets.size() >= maximumAddresses && buckets.find(address) == buckets.end()) {
-        forgetQuietOnes(now);
+        forgetFullOnes(now);
         if (buckets.size() >= maximumAddresses)
             return false;
     }
-    const auto full = static_cast<double>(count);
+    const auto full = static_cast<double>(capacity);
     bucket &own = buckets.try_emplace(address, bucket{full, now}).first->second;
     const std::chrono::duration<double> passed = now - own.filled;
     own.tokens = std::min(full, own.tokens + full * (passed / period));
@@ -32,7 +32,7 @@ bool rateLimit::isAllowed(const std::string &address, clock::time_point now)
     return true;
 }
 
-void rateLimit::forgetQuietOnes(clock::time_point now)
+void rateLimit::forgetFullOnes(clock::time_point now)
 {
     for (auto entry = buckets.begin(); entry != buckets.end();) {
         if (now - entry->second.filled >= period)

@@ -6,31 +6,29 @@
 #include <string>
 #include <unordered_map>
 
-/// How often each address may do something: @c count times at once, and after that as often as
-/// makes
-/// @c count in @c period. Addresses are kept in memory only, and forgotten when they have been
-/// quiet for a period.
+/// A token bucket for each address. It holds as many tokens as may be used in a period, is full at
+/// first, and fills up evenly in one period. Addresses are kept in memory only, and may be
+/// forgotten after a period without a request.
 class rateLimit
 {
 public:
     using clock = std::chrono::steady_clock;
 
-    /// No limit if @p perPeriod is 0.
-    rateLimit(int perPeriod, std::chrono::seconds length) : count(perPeriod), period(length) {}
+    /// Buckets of @p tokens that fill up in @p length; no limit if @p tokens is 0.
+    rateLimit(int tokens, std::chrono::seconds length) : capacity(tokens), period(length) {}
 
-    /// Whether @p address may do it at @p now, which counts if it may.
+    /// Takes a token of @p address at @p now. False if there is none left.
     bool isAllowed(const std::string &address, clock::time_point now = clock::now());
 
 private:
-    /// What an address has left, as of a time.
     struct bucket {
-        double tokens;
-        clock::time_point filled;
+        double tokens;            ///< as of the latest request
+        clock::time_point filled; ///< the time of that request
     };
 
-    void forgetQuietOnes(clock::time_point now);
+    void forgetFullOnes(clock::time_point now);
 
-    int count;
+    int capacity;
     std::chrono::seconds period;
     std::mutex mutex;
     std::unordered_map<std::string, bucket> buckets;

@@ -4,7 +4,6 @@
 #include "server/formItems.h"
 #include "server/log.h"
 #include "server/uploadCheck.h"
-#include "server/uploadOf.h"
 
 #include <QFile>
 
@@ -13,14 +12,14 @@ namespace
 
 constexpr int readers = 2;
 
-answer refusal(int status, const QString &reason)
+answer textAnswer(int status, const QString &line)
 {
-    return {status, reason.toUtf8() + '\n', true};
+    return {status, line.toUtf8() + '\n', true};
 }
 
 answer unavailable()
 {
-    return refusal(503, QStringLiteral("the database does not answer; please try again later"));
+    return textAnswer(503, QStringLiteral("the database does not answer; please try again later"));
 }
 
 QByteArray builtIn()
@@ -59,7 +58,7 @@ void resultServer::addRoutes()
                   QByteArray body;
                   content([&body](const char *data, std::size_t size) {
                       body.append(data, static_cast<int>(size));
-                      return true; // how much this can be has been seen to before
+                      return true; // its size has been checked before
                   });
                   send(respond(body, clientOf(request)), response);
               });
@@ -80,9 +79,9 @@ answer resultServer::respond(const QByteArray &body, const std::string &address)
 {
     const std::optional<QMap<QByteArray, QByteArray>> items = formItems(body);
     if (!items)
-        return refusal(400, QStringLiteral("the form cannot be read"));
+        return textAnswer(400, QStringLiteral("the form cannot be read"));
     if (items->value("app") != "Fennick")
-        return refusal(400, QStringLiteral("this place is for the app Fennick"));
+        return textAnswer(400, QStringLiteral("requests must come from the app Fennick"));
     const QByteArray type = items->value("type");
     if (type == "getReferenceVersion")
         return version();
@@ -92,7 +91,7 @@ answer resultServer::respond(const QByteArray &body, const std::string &address)
         return list(true);
     if (type == "storeUserData")
         return upload(items->value("results"), address);
-    return refusal(400, QStringLiteral("there is no such type of request"));
+    return textAnswer(400, QStringLiteral("there is no such type of request"));
 }
 
 answer resultServer::version()
@@ -112,18 +111,18 @@ answer resultServer::list(bool isBeta)
 answer resultServer::upload(const QByteArray &xml, const std::string &address)
 {
     if (!uploadLimit.isAllowed(address))
-        return refusal(429, QStringLiteral("too many uploads; please try again later"));
-    const checkedUpload checked = checkUpload(xml);
-    if (!checked.isAccepted()) {
+        return textAnswer(429, QStringLiteral("too many uploads; please try again later"));
+    const auto machine = checkUpload(xml);
+    if (!machine) {
         writeLog(QStringLiteral("upload refused"));
-        return refusal(checked.isReadable ? 422 : 400, checked.reason);
+        return textAnswer(machine.error().isReadable ? 422 : 400, machine.error().reason);
     }
-    if (!store.add(uploadOf(checked.machine, QDateTime::currentMSecsSinceEpoch())))
+    if (!store.add(makeUpload(*machine, QDateTime::currentMSecsSinceEpoch())))
         return unavailable();
-    return refusal(200, QStringLiteral("thank you"));
+    return textAnswer(200, QStringLiteral("thank you"));
 }
 
 answer resultServer::health()
 {
-    return store.newestVersion() ? refusal(200, QStringLiteral("ok")) : unavailable();
+    return store.newestVersion() ? textAnswer(200, QStringLiteral("ok")) : unavailable();
 }

@@ -9,10 +9,10 @@
 
 struct serverOptions {
     databaseAddress database;
-    int uploads = 30; ///< per address and period; 0 for no limit
+    int uploads = 30; ///< of one address in a period; 0 for no limit
     std::chrono::seconds period{600};
-    bool isBehindProxy = false; ///< the last address of X-Forwarded-For is the client's
-    int connections = 1024;     ///< at a time
+    bool isBehindProxy = false; ///< the client is the last address of X-Forwarded-For
+    int connections = 1024;     ///< the most at a time
 };
 
 /// An answer to a request.
@@ -28,13 +28,13 @@ class resultServer
 public:
     explicit resultServer(const serverOptions &wanted);
 
-    /// The port, or -1 if it cannot be had.
+    /// The port, or -1 if it cannot be bound.
     int bind(const std::string &address, int port) { return http.bind(address, port); }
     /// Serves until stop() is called from another thread.
     bool serve() { return http.serve(); }
     void stop() { http.end(); }
 
-    /// What a POST of @p body from @p address is answered.
+    /// The answer to a POST of @p body from @p address.
     answer respond(const QByteArray &body, const std::string &address);
 
 private:

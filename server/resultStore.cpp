@@ -8,7 +8,7 @@ namespace
 
 constexpr int schemaVersion = 1;
 
-/// The tables, for both products but for the words that differ.
+/// The tables. The two products differ in the words for some types.
 QStringList tables(bool isSqlite)
 {
     const QString number = isSqlite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")
@@ -36,7 +36,7 @@ QStringList tables(bool isSqlite)
     };
 }
 
-storedUpload uploadOf(const QSqlQuery &row)
+storedUpload uploadIn(const QSqlQuery &row)
 {
     storedUpload upload;
     upload.id = row.value(0).toLongLong();
@@ -49,7 +49,7 @@ storedUpload uploadOf(const QSqlQuery &row)
     return upload;
 }
 
-storedList listOf(const QSqlQuery &row)
+storedList listIn(const QSqlQuery &row)
 {
     storedList list;
     list.version = row.value(0).toInt();
@@ -59,65 +59,72 @@ storedList listOf(const QSqlQuery &row)
     return list;
 }
 
+/// Whether a statement has worked, for one whose rows are of no interest, or have been read.
+outcome<void> withoutRows(const outcome<QSqlQuery> &done)
+{
+    return done.map([](const QSqlQuery &) {});
+}
+
 } // namespace
 
-QString resultStore::error() const
+template <typename Value>
+outcome<Value> resultStore::write(const std::function<outcome<Value>()> &work)
 {
-    return ownError.isEmpty() ? db.error() : ownError;
-}
-
-bool resultStore::open()
-{
-    ownError.clear();
-    if (db.isOpen())
-        return true;
-    if (!db.open())
-        return false;
-    if (createTables())
-        return true;
-    db.close();
-    return false;
-}
-
-bool resultStore::createTables()
-{
-    if (!db.beginWriting())
-        return false;
-    for (const QString &table : tables(db.isSqlite())) {
-        if (!db.execute(table))
-            return finish(false);
+    if (const outcome<void> begun = db.beginWriting(); !begun)
+        return failure(begun.error());
+    outcome<Value> done = work();
+    if (done) {
+        const outcome<void> isCommitted = db.commit();
+        if (isCommitted)
+            return done;
+        done = failure(isCommitted.error());
     }
+    db.rollback();
+    return done;
+}
+
+outcome<void> resultStore::open()
+{
+    if (db.isOpen())
+        return {};
+    const outcome<void> done =
+        db.open().and_then([this] { return write<void>([this] { return createTables(); }); });
+    if (!done)
+        db.close();
+    return done;
+}
+
+outcome<void> resultStore::createTables()
+{
+    for (const QString &table : tables(db.isSqlite())) {
+        if (const auto made = db.execute(table); !made)
+            return failure(made.error());
+    }
+    return checkSchema();
+}
+
+outcome<void> resultStore::checkSchema()
+{
     auto found = db.execute(QStringLiteral("SELECT version FROM schema_version"));
     if (!found)
-        return finish(false);
-    if (!found->next()) {
-        found->finish();
-        return finish(
-            db.execute(QStringLiteral("INSERT INTO schema_version VALUES (?)"), {schemaVersion})
-                .has_value());
-    }
-    const int version = found->value(0).toInt();
+        return failure(found.error());
+    const bool isNew = !found->next();
+    const int version = isNew ? schemaVersion : found->value(0).toInt();
     found->finish();
     if (version != schemaVersion) {
-        finish(false);
-        ownError = QStringLiteral("the database has schema %1, this program needs %2")
-                       .arg(QString::number(version), QString::number(schemaVersion));
-        return false;
+        return failure(QStringLiteral("the database has schema %1, this program needs %2")
+                           .arg(QString::number(version), QString::number(schemaVersion)));
     }
-    return finish(true);
+    if (!isNew)
+        return {};
+    return withoutRows(
+        db.execute(QStringLiteral("INSERT INTO schema_version VALUES (?)"), {schemaVersion}));
 }
 
-bool resultStore::finish(bool isDone)
+outcome<void> resultStore::insert(const QVector<storedUpload> &uploads)
 {
-    if (isDone && db.commit())
-        return true;
-    ownError = db.error(); // undoing may leave another one, or none
-    db.rollback();
-    return false;
-}
-
-bool resultStore::insert(const QVector<storedUpload> &uploads)
-{
+    if (uploads.isEmpty())
+        return {};
     QVector<QVariantList> columns(6);
     for (const storedUpload &upload : uploads) {
         columns[0].append(QString::fromLatin1(upload.hash));
@@ -127,117 +134,117 @@ bool resultStore::insert(const QVector<storedUpload> &uploads)
         columns[4].append(QString::fromUtf8(upload.content));
         columns[5].append(upload.isEmpty ? 1 : 0);
     }
-    return uploads.isEmpty()
-           || db.executeForEach(
-               QStringLiteral("INSERT INTO uploads"
-                              " (hash, received, state, reason, content, is_empty)"
-                              " VALUES (?, ?, ?, ?, ?, ?) ON CONFLICT (hash) DO NOTHING"),
-               columns);
+    return db.executeForEach(
+        QStringLiteral("INSERT INTO uploads (hash, received, state, reason, content, is_empty)"
+                       " VALUES (?, ?, ?, ?, ?, ?) ON CONFLICT (hash) DO NOTHING"),
+        columns);
 }
 
-bool resultStore::insertList(const storedList &list)
+outcome<void> resultStore::insertList(const storedList &list)
 {
-    return db
-        .execute(QStringLiteral("INSERT INTO lists (version, is_beta, made, content)"
-                                " VALUES (?, ?, ?, ?) ON CONFLICT (version, is_beta) DO NOTHING"),
-                 {list.version, list.isBeta ? 1 : 0, list.made, list.content})
-        .has_value();
+    return withoutRows(
+        db.execute(QStringLiteral("INSERT INTO lists (version, is_beta, made, content)"
+                                  " VALUES (?, ?, ?, ?) ON CONFLICT (version, is_beta) DO NOTHING"),
+                   {list.version, list.isBeta ? 1 : 0, list.made, list.content}));
 }
 
-bool resultStore::add(const QVector<storedUpload> &uploads)
+outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
 {
-    ownError.clear();
-    return db.beginWriting() && finish(insert(uploads));
+    return write<void>([&] { return insert(uploads); });
 }
 
-std::optional<int> resultStore::newestVersion()
+outcome<int> resultStore::newestVersion()
 {
-    ownError.clear();
     auto found = db.execute(QStringLiteral("SELECT max(version) FROM lists"));
-    if (!found || !found->next())
-        return std::nullopt;
+    if (!found)
+        return failure(found.error());
+    if (!found->next())
+        return failure(QStringLiteral("the database has given no version"));
     return found->isNull(0) ? builtInVersion : found->value(0).toInt();
 }
 
-std::optional<storedList> resultStore::newestList(bool isBeta)
+outcome<storedList> resultStore::newestList(bool isBeta)
 {
-    ownError.clear();
     auto found = db.execute(QStringLiteral("SELECT version, is_beta, made, content FROM lists"
                                            " WHERE is_beta = ? ORDER BY version DESC LIMIT 1"),
                             {isBeta ? 1 : 0});
     if (!found)
-        return std::nullopt;
-    return found->next() ? listOf(*found) : storedList();
+        return failure(found.error());
+    return found->next() ? listIn(*found) : storedList();
 }
 
-bool resultStore::forEachUpload(const std::function<void(const storedUpload &)> &take)
+outcome<void> resultStore::forEachUpload(const std::function<void(const storedUpload &)> &take)
 {
-    ownError.clear();
     auto found = db.execute(QStringLiteral("SELECT id, hash, received, state, reason, content,"
                                            " is_empty FROM uploads ORDER BY id"));
     while (found && found->next())
-        take(uploadOf(*found));
-    return found.has_value();
+        take(uploadIn(*found));
+    return withoutRows(found);
 }
 
-bool resultStore::forEachList(const std::function<void(const storedList &)> &take)
+outcome<void> resultStore::forEachList(const std::function<void(const storedList &)> &take)
 {
-    ownError.clear();
     auto found = db.execute(QStringLiteral("SELECT version, is_beta, made, content FROM lists"
                                            " ORDER BY version, is_beta"));
     while (found && found->next())
-        take(listOf(*found));
-    return found.has_value();
+        take(listIn(*found));
+    return withoutRows(found);
 }
 
-bool resultStore::withdraw(qint64 id, const QString &reason, bool &isFound)
+outcome<bool> resultStore::withdraw(qint64 id, const QString &reason)
 {
-    ownError.clear();
-    if (!db.beginWriting())
-        return false;
-    const auto done = db.execute(
-        QStringLiteral("UPDATE uploads SET state = 'withdrawn', reason = ? WHERE id = ?"),
-        {reason, id});
-    isFound = done && done->numRowsAffected() > 0;
-    return finish(done.has_value());
+    return write<bool>([&] {
+        return db
+            .execute(QStringLiteral("UPDATE uploads SET state = 'withdrawn', reason = ?"
+                                    " WHERE id = ?"),
+                     {reason, id})
+            .map([](const QSqlQuery &done) { return done.numRowsAffected() > 0; });
+    });
 }
 
-std::optional<int> resultStore::publish(const std::function<void(const storedUpload &)> &take,
-                                        const listMaker &make)
+outcome<int> resultStore::publish(const std::function<void(const storedUpload &)> &take,
+                                  const listMaker &make)
 {
-    ownError.clear();
-    if (!db.beginWriting())
-        return std::nullopt;
-    const std::optional<int> newest = newestVersion();
+    return write<int>([&] { return insertNextLists(take, make); });
+}
+
+outcome<int> resultStore::insertNextLists(const std::function<void(const storedUpload &)> &take,
+                                          const listMaker &make)
+{
+    const outcome<int> newest = newestVersion();
     qint64 lastUpload = 0;
-    const bool isRead = newest && forEachUpload([&](const storedUpload &upload) {
-                            lastUpload = upload.id;
-                            take(upload);
-                        });
-    if (!isRead) {
-        finish(false);
-        return std::nullopt;
-    }
+    const outcome<void> isRead = newest.and_then([&](int) {
+        return forEachUpload([&](const storedUpload &upload) {
+            lastUpload = upload.id;
+            take(upload);
+        });
+    });
+    if (!isRead)
+        return failure(isRead.error());
     const int version = std::max(*newest, builtInVersion) + 1;
     const lists made = make();
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    // One that arrived since the uploads were read is not in the list.
-    const bool isDone =
-        insertList({version, false, now, made.normal})
-        && insertList({version, true, now, made.beta})
-        && db.execute(QStringLiteral("UPDATE uploads SET state = 'published' WHERE"
-                                     " state = 'received' AND is_empty = 0 AND id <= ?"),
-                      {lastUpload});
-    return finish(isDone) ? std::make_optional(version) : std::nullopt;
+    return insertList({version, false, now, made.normal})
+        .and_then([&] {
+            return insertList({version, true, now, made.beta});
+        })
+        // One that arrived since the uploads were read is not in the list.
+        .and_then([&] {
+            return withoutRows(
+                db.execute(QStringLiteral("UPDATE uploads SET state = 'published' WHERE"
+                                          " state = 'received' AND is_empty = 0 AND id <= ?"),
+                           {lastUpload}));
+        })
+        .map([version] { return version; });
 }
 
-bool resultStore::restore(const QVector<storedUpload> &uploads, const QVector<storedList> &newLists)
+outcome<void> resultStore::restore(const QVector<storedUpload> &uploads,
+                                   const QVector<storedList> &newLists)
 {
-    ownError.clear();
-    if (!db.beginWriting())
-        return false;
-    bool isDone = insert(uploads);
-    for (const storedList &list : newLists)
-        isDone = isDone && insertList(list);
-    return finish(isDone);
+    return write<void>([&] {
+        outcome<void> done = insert(uploads);
+        for (const storedList &list : newLists)
+            done = done.and_then([&] { return insertList(list); });
+        return done;
+    });
 }

@@ -3,6 +3,9 @@
 
 #include <QCommandLineParser>
 
+#include <algorithm>
+#include <iterator>
+
 namespace
 {
 
@@ -18,20 +21,6 @@ constexpr verb verbs[] = {
     {"withdraw", serverCommand::withdraw, 1}, {"list", serverCommand::list, 0},
 };
 
-serverCommand withMessage(serverCommand::action action, const QString &message)
-{
-    serverCommand command;
-    command.wanted = action;
-    command.message = message;
-    return command;
-}
-
-serverCommand errorOf(const QString &message)
-{
-    return withMessage(serverCommand::showError,
-                       QStringLiteral("fennick-server: %1\n").arg(message));
-}
-
 const QCommandLineOption databaseOption(
     QStringLiteral("database"),
     QStringLiteral("Where the results are: sqlite:FILE, or postgresql://USER@HOST:PORT/NAME."),
@@ -42,12 +31,12 @@ const QCommandLineOption listenOption(
     QStringLiteral("ADDRESS:PORT"));
 const QCommandLineOption uploadLimitOption(
     QStringLiteral("upload-limit"),
-    QStringLiteral("serve: uploads of one address in so many seconds; 30/600 if absent, 0/1 for no "
-                   "limit."),
+    QStringLiteral("serve: the most uploads of one address in a period; 30/600 if absent, 0/1 for "
+                   "no limit."),
     QStringLiteral("NUMBER/SECONDS"));
 const QCommandLineOption
     connectionsOption(QStringLiteral("connections"),
-                      QStringLiteral("serve: connections at a time; 1024 if absent."),
+                      QStringLiteral("serve: the most connections at a time; 1024 if absent."),
                       QStringLiteral("NUMBER"));
 const QCommandLineOption
     proxyOption(QStringLiteral("behind-proxy"),
@@ -56,75 +45,87 @@ const QCommandLineOption whyOption(QStringLiteral("why"),
                                    QStringLiteral("withdraw: the reason, which is kept."),
                                    QStringLiteral("TEXT"));
 
-bool isNumber(const QString &text, int least, int most, int &value)
+outcome<void> readListen(const QString &text, serverCommand &command)
 {
-    bool ok = false;
-    value = text.toInt(&ok);
-    return ok && value >= least && value <= most;
+    const int colon = text.lastIndexOf(QLatin1Char(':'));
+    const std::optional<int> port = wholeNumber(text.mid(colon + 1), 0, 65535);
+    if (colon <= 0 || !port)
+        return failure(QStringLiteral("--listen takes ADDRESS:PORT, not '%1'").arg(text));
+    command.address = text.left(colon).remove(QLatin1Char('[')).remove(QLatin1Char(']'));
+    command.port = *port;
+    return {};
 }
 
-/// The error in the options of serve, or an empty text.
-QString readServeOptions(const QCommandLineParser &parser, serverCommand &command)
+outcome<void> readUploadLimit(const QString &text, serverOptions &options)
 {
-    if (parser.isSet(listenOption)) {
-        const QString text = parser.value(listenOption);
-        const int colon = text.lastIndexOf(QLatin1Char(':'));
-        command.address = text.left(colon).remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-        if (colon <= 0 || !isNumber(text.mid(colon + 1), 0, 65535, command.port))
-            return QStringLiteral("--listen takes ADDRESS:PORT, not '%1'").arg(text);
+    constexpr int most = 1'000'000;
+    const QStringList parts = text.split(QLatin1Char('/'));
+    const std::optional<int> uploads = wholeNumber(parts.value(0), 0, most);
+    const std::optional<int> seconds = wholeNumber(parts.value(1), 1, most);
+    if (parts.size() != 2 || !uploads || !seconds)
+        return failure(QStringLiteral("--upload-limit takes NUMBER/SECONDS, not '%1'").arg(text));
+    options.uploads = *uploads;
+    options.period = std::chrono::seconds(*seconds);
+    return {};
+}
+
+outcome<void> readConnections(const QString &text, serverOptions &options)
+{
+    const std::optional<int> number = wholeNumber(text, 2, 20'000);
+    if (!number) {
+        return failure(
+            QStringLiteral("--connections takes a number from 2 to 20000, not '%1'").arg(text));
     }
-    if (parser.isSet(uploadLimitOption)) {
-        const QStringList parts = parser.value(uploadLimitOption).split(QLatin1Char('/'));
-        int seconds = 0;
-        if (parts.size() != 2 || !isNumber(parts.at(0), 0, 1'000'000, command.options.uploads)
-            || !isNumber(parts.at(1), 1, 1'000'000, seconds)) {
-            return QStringLiteral("--upload-limit takes NUMBER/SECONDS, not '%1'")
-                .arg(parser.value(uploadLimitOption));
-        }
-        command.options.period = std::chrono::seconds(seconds);
-    }
-    if (parser.isSet(connectionsOption)
-        && !isNumber(parser.value(connectionsOption), 2, 20'000, command.options.connections)) {
-        return QStringLiteral("--connections takes a number from 2 to 20000, not '%1'")
-            .arg(parser.value(connectionsOption));
-    }
+    options.connections = *number;
+    return {};
+}
+
+outcome<void> readServeOptions(const QCommandLineParser &parser, serverCommand &command)
+{
     command.options.isBehindProxy = parser.isSet(proxyOption);
-    return {};
+    outcome<void> done;
+    if (parser.isSet(listenOption))
+        done = readListen(parser.value(listenOption), command);
+    if (done && parser.isSet(uploadLimitOption))
+        done = readUploadLimit(parser.value(uploadLimitOption), command.options);
+    if (done && parser.isSet(connectionsOption))
+        done = readConnections(parser.value(connectionsOption), command.options);
+    return done;
 }
 
-/// The error in the arguments of withdraw, or an empty text.
-QString readWithdrawal(const QCommandLineParser &parser, serverCommand &command)
+outcome<void> readWithdrawal(const QCommandLineParser &parser, serverCommand &command)
 {
-    bool ok = false;
-    command.id = parser.positionalArguments().at(1).toLongLong(&ok);
+    bool isNumber = false;
+    const QString number = parser.positionalArguments().at(1);
+    command.id = number.toLongLong(&isNumber);
     command.reason = parser.value(whyOption).trimmed();
-    if (!ok || command.id < 1) {
-        return QStringLiteral("withdraw takes the number of an upload, not '%1'")
-            .arg(parser.positionalArguments().at(1));
-    }
+    if (!isNumber || command.id < 1)
+        return failure(
+            QStringLiteral("withdraw takes the number of an upload, not '%1'").arg(number));
     if (command.reason.isEmpty())
-        return QStringLiteral("withdraw needs a reason: --why TEXT");
+        return failure(QStringLiteral("withdraw needs a reason: --why TEXT"));
     return {};
 }
 
-/// The error in what follows the verb, or an empty text.
-QString readVerb(const QCommandLineParser &parser, const verb &found, serverCommand &command)
+/// Reads what belongs to the verb.
+outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serverCommand &command)
 {
     const QStringList rest = parser.positionalArguments().mid(1);
     if (rest.size() != found.arguments) {
-        return QStringLiteral("'%1' takes %2 argument(s), not %3")
-            .arg(QLatin1String(found.name), QString::number(found.arguments),
-                 QString::number(rest.size()));
+        return failure(QStringLiteral("'%1' takes %2 argument(s), not %3")
+                           .arg(QLatin1String(found.name), QString::number(found.arguments),
+                                QString::number(rest.size())));
     }
     const QVector<QCommandLineOption> ofServe = {listenOption, uploadLimitOption, connectionsOption,
                                                  proxyOption};
     for (const QCommandLineOption &option : ofServe) {
         if (parser.isSet(option) && found.action != serverCommand::serve) {
-            return QStringLiteral("--%1 is an option of serve").arg(option.names().first());
+            return failure(
+                QStringLiteral("--%1 is an option of serve").arg(option.names().first()));
         }
     }
     if (parser.isSet(whyOption) && found.action != serverCommand::withdraw)
-        return QStringLiteral("--why is an option of withdraw");
+        return failure(QStringLiteral("--why is an option of withdraw"));
     command.wanted = found.action;
     if (found.action == serverCommand::importFile)
         command.file = rest.first();
@@ -133,54 +134,56 @@ QString readVerb(const QCommandLineParser &parser, const verb &found, serverComm
     return readServeOptions(parser, command);
 }
 
+outcome<serverCommand> readCommand(const QCommandLineParser &parser, const QString &defaultDatabase)
+{
+    if (parser.positionalArguments().isEmpty())
+        return failure(QStringLiteral("a command is missing. See --help"));
+    const QString address = parser.isSet(databaseOption)
+                                ? parser.value(databaseOption)
+                                : QStringLiteral("sqlite:") + defaultDatabase;
+    const std::optional<databaseAddress> place = parseDatabaseAddress(address);
+    if (!place) {
+        return failure(
+            QStringLiteral("--database takes sqlite:FILE or postgresql://HOST/NAME, not '%1'")
+                .arg(address));
+    }
+    serverCommand command;
+    command.options.database = *place;
+    const QString name = parser.positionalArguments().first();
+    const auto *found =
+        std::find_if(std::begin(verbs), std::end(verbs),
+                     [&name](const verb &known) { return name == QLatin1String(known.name); });
+    if (found == std::end(verbs))
+        return failure(QStringLiteral("there is no command '%1'. See --help").arg(name));
+    return readVerb(parser, *found, command).map([&command] { return command; });
+}
+
 } // namespace
 
-serverCommand parseServerCommand(const QStringList &arguments, const QString &defaultDatabase)
+QString serverProgramName()
+{
+    return QStringLiteral("fennick-server");
+}
+
+parsed<serverCommand> parseServerCommand(const QStringList &arguments,
+                                         const QString &defaultDatabase)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("The result database of the CPU benchmark Fennick.\n\n"
                        "serve            answer the programs until Ctrl-C or SIGTERM\n"
-                       "publish          make the next reference lists of all uploads\n"
+                       "publish          make the next reference lists from all uploads\n"
                        "list             show the uploads\n"
                        "withdraw ID      keep an upload out of the lists from now on\n"
                        "export           write everything to standard output, as XML\n"
                        "import FILE.xml  read an export, or a list of machines"));
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("One of the above."),
                                  QStringLiteral("command [argument]"));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
     parser.addOptions({databaseOption, listenOption, uploadLimitOption, connectionsOption,
                        proxyOption, whyOption});
-    if (!parser.parse(arguments))
-        return errorOf(parser.errorText());
-    if (parser.isSet(help))
-        return withMessage(serverCommand::showText, parser.helpText());
-    if (parser.isSet(version)) {
-        return withMessage(
-            serverCommand::showText,
-            QStringLiteral("fennick-server %1\n").arg(QStringLiteral(FENNICK_VERSION)));
-    }
-    if (parser.positionalArguments().isEmpty())
-        return errorOf(QStringLiteral("what is to be done? See --help"));
-
-    serverCommand command;
-    const QString database = parser.isSet(databaseOption)
-                                 ? parser.value(databaseOption)
-                                 : QStringLiteral("sqlite:") + defaultDatabase;
-    const std::optional<databaseAddress> place = parseDatabaseAddress(database);
-    if (!place) {
-        return errorOf(
-            QStringLiteral("--database takes sqlite:FILE or postgresql://HOST/NAME, not '%1'")
-                .arg(database));
-    }
-    command.options.database = *place;
-    const QString name = parser.positionalArguments().first();
-    for (const verb &known : verbs) {
-        if (name == QLatin1String(known.name)) {
-            const QString error = readVerb(parser, known, command);
-            return error.isEmpty() ? command : errorOf(error);
-        }
-    }
-    return errorOf(QStringLiteral("there is no command '%1'. See --help").arg(name));
+    if (const auto closing = readOptions(parser, arguments, serverProgramName()))
+        return tl::unexpected(*closing);
+    return readCommand(parser, defaultDatabase).map_error([](const QString &sentence) {
+        return usageError(serverProgramName(), sentence);
+    });
 }

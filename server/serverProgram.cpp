@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/serverProgram.h"
 
+#include "console/standardStreams.h"
 #include "data/builtInList.h"
-#include "server/exchange.h"
+#include "server/importExport.h"
 #include "server/log.h"
 #include "server/publisher.h"
 #include "server/serverCommand.h"
-#include "server/uploadOf.h"
 
 #include <QFile>
 #include <QStandardPaths>
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <thread>
 
 #include <sys/resource.h>
@@ -22,18 +21,15 @@
 namespace
 {
 
-enum exitCode { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
-
-void write(const QString &text, std::FILE *stream)
+exitCode failed(const QString &reason)
 {
-    std::fputs(text.toLocal8Bit().constData(), stream);
-    std::fflush(stream);
+    return complain(serverProgramName(), reason);
 }
 
-int failed(const QString &reason)
+exitCode succeeded(const QString &text)
 {
-    write(QStringLiteral("fennick-server: %1\n").arg(reason), stderr);
-    return exitFailure;
+    writeText(text, stdout);
+    return exitSuccess;
 }
 
 /// The signals that end the server, and one that ends waiting for them.
@@ -46,7 +42,7 @@ sigset_t endingSignals()
     return set;
 }
 
-/// Calls stop() of a server when the process is asked to end, and ends it at once when asked again.
+/// Stops a server when the process is asked to end; ends the process at once when asked again.
 class signalWaiter
 {
 public:
@@ -75,7 +71,7 @@ private:
     std::thread thread;
 };
 
-/// Each connection takes a file handle, and the usual limit is too low for as many as are allowed.
+/// Each connection takes a file handle, and the usual limit is lower than the allowed number.
 void raiseFileLimit(int connections)
 {
     constexpr rlim_t others = 64;
@@ -86,15 +82,16 @@ void raiseFileLimit(int connections)
     setrlimit(RLIMIT_NOFILE, &files);
 }
 
-int serve(const serverCommand &command)
+exitCode cannotOpen(const QString &reason)
 {
-    {
-        resultStore store(command.options.database);
-        if (!store.open()) {
-            return failed(QStringLiteral("the database cannot be opened: %1").arg(store.error()));
-        }
-    }
-    // Before there are other threads, which would otherwise get them.
+    return failed(QStringLiteral("the database cannot be opened: %1").arg(reason));
+}
+
+exitCode serve(const serverCommand &command)
+{
+    if (const outcome<void> isOpen = resultStore(command.options.database).open(); !isOpen)
+        return cannotOpen(isOpen.error());
+    // Blocked before other threads are started, which would otherwise receive them.
     const sigset_t set = endingSignals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
@@ -106,83 +103,83 @@ int serve(const serverCommand &command)
                           .arg(command.address, QString::number(command.port)));
     }
     const signalWaiter waiter(server);
-    write(QStringLiteral("Listening on %1:%2\n").arg(command.address, QString::number(port)),
-          stdout);
+    writeText(QStringLiteral("Listening on %1:%2\n").arg(command.address, QString::number(port)),
+              stdout);
     const bool isDone = server.serve();
     writeLog(QStringLiteral("ended"));
     return isDone ? exitSuccess : failed(QStringLiteral("the server has failed"));
 }
 
-int publish(resultStore &store)
+exitCode publish(resultStore &store)
 {
     publisher lists(builtInMachines());
     int uploads = 0;
     const auto made = [&] { return resultStore::lists{lists.list(false), lists.list(true)}; };
-    const std::optional<int> version = store.publish(
+    const outcome<int> version = store.publish(
         [&](const storedUpload &upload) {
             lists.add(upload);
             ++uploads;
         },
         made);
     if (!version)
-        return failed(QStringLiteral("nothing was published: %1").arg(store.error()));
-    write(QStringLiteral("Published version %1 from %2 uploads\n")
-              .arg(QString::number(*version), QString::number(uploads)),
-          stdout);
-    return exitSuccess;
+        return failed(QStringLiteral("nothing was published: %1").arg(version.error()));
+    return succeeded(QStringLiteral("Published version %1 from %2 uploads\n")
+                         .arg(QString::number(*version), QString::number(uploads)));
 }
 
-int importFile(resultStore &store, const QString &path)
+exitCode importFile(resultStore &store, const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return failed(QStringLiteral("'%1' cannot be read: %2").arg(path, file.errorString()));
     }
-    const importReport report = importFrom(file, store, QDateTime::currentMSecsSinceEpoch());
-    if (!report.error.isEmpty()) {
-        return failed(QStringLiteral("nothing was imported from '%1': %2").arg(path, report.error));
+    const outcome<importReport> report =
+        importFrom(file, store, QDateTime::currentMSecsSinceEpoch());
+    if (!report) {
+        return failed(
+            QStringLiteral("nothing was imported from '%1': %2").arg(path, report.error()));
     }
-    write(QStringLiteral("Read %1 uploads and %2 lists, passed over %3 modelled machines\n")
-              .arg(QString::number(report.uploads), QString::number(report.lists),
-                   QString::number(report.estimates)),
-          stdout);
-    return exitSuccess;
+    return succeeded(
+        QStringLiteral("Read %1 uploads and %2 lists, passed over %3 modelled machines\n")
+            .arg(QString::number(report->uploads), QString::number(report->lists),
+                 QString::number(report->estimates)));
 }
 
-int exportToOutput(resultStore &store)
+/// Whether all of it could be written is checked at the end of the program.
+exitCode exportToOutput(resultStore &store)
 {
     QFile output;
-    const bool isOpen = output.open(stdout, QIODevice::WriteOnly);
-    if (isOpen && exportTo(store, output) && output.flush())
-        return exitSuccess;
-    return failed(QStringLiteral("the export is not complete: %1").arg(store.error()));
-}
-
-int withdraw(resultStore &store, qint64 id, const QString &reason)
-{
-    bool isFound = false;
-    if (!store.withdraw(id, reason, isFound))
-        return failed(QStringLiteral("nothing was withdrawn: %1").arg(store.error()));
-    if (!isFound)
-        return failed(QStringLiteral("there is no upload %1").arg(id));
-    write(QStringLiteral("Upload %1 is withdrawn; the next version will be without it\n").arg(id),
-          stdout);
+    output.open(stdout, QIODevice::WriteOnly);
+    const outcome<void> done = exportTo(store, output);
+    if (!done)
+        return failed(QStringLiteral("the export is not complete: %1").arg(done.error()));
     return exitSuccess;
 }
 
-int list(resultStore &store)
+exitCode withdraw(resultStore &store, qint64 id, const QString &reason)
+{
+    const outcome<bool> isFound = store.withdraw(id, reason);
+    if (!isFound)
+        return failed(QStringLiteral("nothing was withdrawn: %1").arg(isFound.error()));
+    if (!*isFound)
+        return failed(QStringLiteral("there is no upload %1").arg(id));
+    return succeeded(
+        QStringLiteral("Upload %1 is withdrawn; the next version will be without it\n").arg(id));
+}
+
+exitCode list(resultStore &store)
 {
     const auto row = [](const QString &id, const QString &time, const QString &state,
                         const QString &rest) {
-        write(id.rightJustified(8) + QStringLiteral("  ") + time.leftJustified(20)
-                  + QStringLiteral("  ") + state.leftJustified(9) + QStringLiteral("  ") + rest
-                  + QLatin1Char('\n'),
-              stdout);
+        writeText(id.rightJustified(8) + QStringLiteral("  ") + time.leftJustified(20)
+                      + QStringLiteral("  ") + state.leftJustified(9) + QStringLiteral("  ") + rest
+                      + QLatin1Char('\n'),
+                  stdout);
     };
     row(QStringLiteral("ID"), QStringLiteral("RECEIVED (UTC)"), QStringLiteral("STATE"),
         QStringLiteral("PROCESSOR, SYSTEM, THREADS, RESULTS"));
-    const bool isComplete = store.forEachUpload([&row](const storedUpload &upload) {
-        const benchResults machine = machineOf(upload);
+    const outcome<void> done = store.forEachUpload([&row](const storedUpload &upload) {
+        const benchResults machine = uploadedMachine(upload);
         const QString text =
             QStringLiteral("%1, %2, %3, %4")
                 .arg(machine.getCpu(), machine.getOs(), QString::number(machine.getThreads()),
@@ -194,14 +191,14 @@ int list(resultStore &store)
             upload.state,
             text + (upload.isEmpty ? QStringLiteral(", all zero") : QString()) + reason);
     });
-    return isComplete ? exitSuccess : failed(store.error());
+    return done ? exitSuccess : failed(done.error());
 }
 
-int runOnStore(const serverCommand &command)
+exitCode runOnStore(const serverCommand &command)
 {
     resultStore store(command.options.database);
-    if (!store.open())
-        return failed(QStringLiteral("the database cannot be opened: %1").arg(store.error()));
+    if (const outcome<void> isOpen = store.open(); !isOpen)
+        return cannotOpen(isOpen.error());
     switch (command.wanted) {
     case serverCommand::publish:
         return publish(store);
@@ -218,21 +215,12 @@ int runOnStore(const serverCommand &command)
 
 } // namespace
 
-int runServerProgram(const QStringList &arguments)
+exitCode runServerProgram(const QStringList &arguments)
 {
     const QString directory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    const serverCommand command =
+    const parsed<serverCommand> command =
         parseServerCommand(arguments, directory + QStringLiteral("/results.sqlite"));
-    switch (command.wanted) {
-    case serverCommand::showText:
-        write(command.message, stdout);
-        return exitSuccess;
-    case serverCommand::showError:
-        write(command.message, stderr);
-        return exitUsage;
-    case serverCommand::serve:
-        return serve(command);
-    default:
-        return runOnStore(command);
-    }
+    if (!command)
+        return sayInClosing(command.error());
+    return command->wanted == serverCommand::serve ? serve(*command) : runOnStore(*command);
 }

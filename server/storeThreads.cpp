@@ -6,21 +6,23 @@
 namespace
 {
 
-/// So many uploads share a transaction at most, so that none waits for long.
+/// The most uploads in one transaction, so that none waits for long.
 constexpr std::size_t largestBatch = 500;
 
-/// After that, whoever waits is told that the database does not answer.
-constexpr auto longestWait = std::chrono::seconds(15);
+/// After this time, whoever waits is told that the database does not answer.
+constexpr auto timeOut = std::chrono::seconds(15);
 
-/// Stores @p uploads, on a new connection if the first one fails: it may be that of a database that
-/// has been restarted.
-bool addTo(resultStore &store, const QVector<storedUpload> &uploads)
+/// Stores @p uploads. If that fails it is tried once more on a new connection: the database may
+/// have been restarted.
+outcome<void> addTo(resultStore &store, const QVector<storedUpload> &uploads)
 {
-    if (store.open() && store.add(uploads))
-        return true;
-    writeLog(QStringLiteral("storing again after: %1").arg(store.error()));
+    const auto add = [&] { return store.open().and_then([&] { return store.add(uploads); }); };
+    const outcome<void> done = add();
+    if (done)
+        return done;
+    writeLog(QStringLiteral("storing again after: %1").arg(done.error()));
     store.close();
-    return store.open() && store.add(uploads);
+    return add();
 }
 
 } // namespace
@@ -76,41 +78,45 @@ void storeThreads::serveWrites()
             writes.pop_front();
         }
         lock.unlock();
-        const bool areStored = addTo(store, uploads);
+        const outcome<void> areStored = addTo(store, uploads);
         for (writeJob &job : batch) {
-            // One that the database does not take must not cost the others.
-            const bool isStored = areStored || (batch.size() > 1 && addTo(store, {job.upload}));
+            // An upload that the database refuses must not cost the rest of its batch.
+            const outcome<void> isStored =
+                areStored || batch.size() == 1 ? areStored : addTo(store, {job.upload});
             if (!isStored)
-                writeLog(QStringLiteral("not stored: %1").arg(store.error()));
-            job.isStored.set_value(isStored);
+                writeLog(QStringLiteral("not stored: %1").arg(isStored.error()));
+            job.isStored.set_value(isStored.has_value());
         }
         lock.lock();
     }
 }
 
 template <typename Result>
-std::optional<Result> storeThreads::read(std::optional<Result> (*operation)(resultStore &, bool),
+std::optional<Result> storeThreads::read(outcome<Result> (*operation)(resultStore &, bool),
                                          bool argument)
 {
-    // Shared, because whoever waits may have gone when the answer comes.
+    // Shared: whoever waits may have given up when the answer comes.
     const auto promise = std::make_shared<std::promise<std::optional<Result>>>();
     std::future<std::optional<Result>> result = promise->get_future();
     {
         const std::lock_guard lock(mutex);
-        if (isEnding || reads.size() >= longestQueue)
+        if (isEnding || reads.size() >= maximumBacklog)
             return std::nullopt;
         reads.emplace_back([promise, operation, argument](resultStore *store) {
-            std::optional<Result> found = store ? operation(*store, argument) : std::nullopt;
-            if (store && !found) {
-                store->close();
-                if (store->open())
-                    found = operation(*store, argument);
+            if (!store) {
+                promise->set_value(std::nullopt);
+                return;
             }
-            promise->set_value(found);
+            outcome<Result> found = operation(*store, argument);
+            if (!found) {
+                store->close();
+                found = store->open().and_then([&] { return operation(*store, argument); });
+            }
+            promise->set_value(found ? std::make_optional(*found) : std::nullopt);
         });
     }
     readsChanged.notify_one();
-    return result.wait_for(longestWait) == std::future_status::ready ? result.get() : std::nullopt;
+    return result.wait_for(timeOut) == std::future_status::ready ? result.get() : std::nullopt;
 }
 
 std::optional<int> storeThreads::newestVersion()
@@ -129,11 +135,11 @@ bool storeThreads::add(const storedUpload &upload)
     std::future<bool> isStored;
     {
         const std::lock_guard lock(mutex);
-        if (isEnding || writes.size() >= longestQueue)
+        if (isEnding || writes.size() >= maximumBacklog)
             return false;
         writes.push_back({upload, {}});
         isStored = writes.back().isStored.get_future();
     }
     writesChanged.notify_one();
-    return isStored.wait_for(longestWait) == std::future_status::ready && isStored.get();
+    return isStored.wait_for(timeOut) == std::future_status::ready && isStored.get();
 }

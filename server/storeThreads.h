@@ -8,23 +8,25 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
-/// A few threads with a connection each, on which the many threads of the web server wait.
+/// A few threads with one database connection each, on which the many threads of the web server
+/// wait.
 ///
-/// Uploads go through one thread, which stores all that have come in the meantime in one
-/// transaction: a disk makes some hundred transactions durable in a second, whatever is in them.
+/// Uploads go through one thread, which commits its whole backlog in one transaction, a batch: a
+/// disk makes some hundred transactions a second durable, however large they are.
 class storeThreads
 {
 public:
-    /// At most this many requests wait; more are turned away.
-    static constexpr std::size_t longestQueue = 2'000;
+    /// The longest backlog of reads and of writes; requests beyond it are turned away.
+    static constexpr std::size_t maximumBacklog = 2'000;
 
     storeThreads(const databaseAddress &address, int readers);
     storeThreads(const storeThreads &) = delete;
     storeThreads &operator=(const storeThreads &) = delete;
-    /// Does what is waiting, then ends the threads.
+    /// Works off the backlog, then ends the threads.
     ~storeThreads();
 
     /// The newest version; nothing if the database does not answer.
@@ -42,8 +44,7 @@ private:
 
     /// The result of @p operation on one of the readers' stores, or nothing.
     template <typename Result>
-    std::optional<Result> read(std::optional<Result> (*operation)(resultStore &, bool),
-                               bool argument);
+    std::optional<Result> read(outcome<Result> (*operation)(resultStore &, bool), bool argument);
     void serveReads();
     void serveWrites();
 

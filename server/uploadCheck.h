@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/benchResults.h"
+#include "engine/outcome.h"
 
 #include <QByteArray>
 #include <QString>
@@ -9,23 +10,20 @@
 /// The longest name of a machine or a processor.
 constexpr int maximumNameLength = 128;
 
-/// What became of an upload.
-struct checkedUpload {
-    bool isAccepted() const { return reason.isEmpty(); }
-
-    benchResults machine;
-    QString reason; ///< why it was refused, for the person who sent it; else empty
+/// Why an upload was refused.
+struct uploadRefusal {
+    QString reason; ///< for the person who sent it
     /// Whether it could be read at all, and was refused for what it says.
     bool isReadable = false;
 };
 
-/// Reads the XML of one machine's results. Unlike a list of machines, which is read as far as it
-/// makes sense, all of an upload must be right: one machine, known tests, each once, and values
-/// that a machine can have. A document type, and so any entity of its own, is refused.
-checkedUpload checkUpload(const QByteArray &xml);
+/// The machine in the XML of an upload. Unlike a list of machines, which is read as far as it makes
+/// sense, all of an upload must be right: one machine, known tests, each once, and values that a
+/// machine can have. A document type, and so any entity of its own, is refused.
+tl::expected<benchResults, uploadRefusal> checkUpload(const QByteArray &xml);
 
-/// Whether a machine that was read elsewhere may stand in the database; else why not.
-QString faultOf(const benchResults &machine);
+/// Whether a machine, from wherever it was read, may stand in the database; else why not.
+outcome<void> checkMachine(const benchResults &machine);
 
 /// The one form in which equal results are equal bytes.
 QByteArray canonicalXml(const benchResults &machine);

@@ -36,7 +36,7 @@ QPen outline(int width)
     return QPen(Qt::black, width);
 }
 
-int labelStyle(Qt::CheckState state)
+benchResults::descriptionStyle labelStyle(Qt::CheckState state)
 {
     switch (state) {
     case Qt::Unchecked:
@@ -291,7 +291,7 @@ QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, ran
 {
     auto *series = new QBarSeries;
     series->setBarWidth(0.9);
-    const int style = labelStyle(ui->checkBoxNameType->checkState());
+    const auto style = labelStyle(ui->checkBoxNameType->checkState());
     const QString unit = kind == ranking::oneTest
                              ? unitOf(dataAccess->getTests(), testName) + QStringLiteral("/s")
                              : QStringLiteral("%");

@@ -10,7 +10,6 @@ int main(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("fennick"));
-    QApplication::setApplicationVersion(QStringLiteral(FENNICK_VERSION));
     provideComputerName(QSysInfo::machineHostName());
     MainWindow window(nullptr, makeSuite, std::make_unique<httpDatabase>());
     window.show();

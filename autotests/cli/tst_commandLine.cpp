@@ -12,10 +12,15 @@ const QStringList testNames = {QStringLiteral("mandel"), QStringLiteral("mandel 
                                QStringLiteral("colors "), QStringLiteral("colors  (multicore)")};
 const QStringList resolutionNames = {QStringLiteral("3820x2160"), QStringLiteral("800x600")};
 
-commandLine parse(const QStringList &arguments)
+parsed<commandLine> read(const QStringList &arguments)
 {
     return parseCommandLine(QStringList(QStringLiteral("fennick-cli")) + arguments, testNames,
                             resolutionNames);
+}
+
+commandLine parse(const QStringList &arguments)
+{
+    return read(arguments).value();
 }
 
 QStringList words(const char *text)
@@ -110,7 +115,6 @@ void tst_commandLine::upload()
 {
     QFETCH(QString, arguments);
     const commandLine command = parse(arguments.split(QLatin1Char('|'), Qt::SkipEmptyParts));
-    QVERIFY(command.wanted != commandLine::showError);
     QTEST(command.isUpload, "isUpload");
 }
 
@@ -162,11 +166,13 @@ void tst_commandLine::errors()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, part);
-    const commandLine command = parse(arguments);
-    QCOMPARE(command.wanted, commandLine::showError);
-    QVERIFY(command.message.startsWith(QStringLiteral("fennick-cli: ")));
-    QVERIFY(command.message.endsWith(QLatin1Char('\n')));
-    QVERIFY2(command.message.contains(part), qPrintable(command.message));
+    const auto command = read(arguments);
+    QVERIFY(!command);
+    QCOMPARE(command.error().code, exitUsage);
+    const QString text = command.error().text;
+    QVERIFY(text.startsWith(QStringLiteral("fennick-cli: ")));
+    QVERIFY(text.endsWith(QLatin1Char('\n')));
+    QVERIFY2(text.contains(part), qPrintable(text));
 }
 
 void tst_commandLine::messages_data()
@@ -188,9 +194,10 @@ void tst_commandLine::messages()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, part);
-    const commandLine command = parse(arguments);
-    QCOMPARE(command.wanted, commandLine::showText);
-    QVERIFY2(command.message.contains(part), qPrintable(command.message));
+    const auto command = read(arguments);
+    QVERIFY(!command);
+    QCOMPARE(command.error().code, exitSuccess);
+    QVERIFY2(command.error().text.contains(part), qPrintable(command.error().text));
 }
 
 QTEST_GUILESS_MAIN(tst_commandLine)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
 
+#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
@@ -51,7 +52,7 @@ public:
         for (const QString &name : {a, b}) {
             tests.push_back(std::make_unique<fakeTest>(name, &events));
             fakes.append(static_cast<fakeTest *>(tests.back().get()));
-            fakes.last()->onRun = [] { QTest::qSleep(70); };
+            fakes.last()->onRun = [] { fakeClock::pass(std::chrono::milliseconds(70)); };
         }
         runner = std::make_unique<benchBase>(this, this, nullptr, std::move(tests),
                                              std::make_unique<fakeOnline>(&uploads, &isTaking));
@@ -82,6 +83,7 @@ public:
         return runTests(command, *runner, *this);
     }
 
+    const fakeClock clock;
     bool isStopped = false;
     int uploads = 0;
     bool isTaking = true;

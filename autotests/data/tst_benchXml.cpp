@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchXml.h"
 
+#include "data/benchReader.h"
 #include "data/machineListXml.h"
 
 #include <QTextCodec>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/benchReader.h"
 #include "data/benchXml.h"
 
 #include "data/machineListXml.h"

@@ -54,7 +54,7 @@ void tst_compressed::memory()
     const peakMemory memory;
     if (!memory.isAvailable())
         QSKIP("the peak is not known here");
-    QVERIFY(uncompressed(packed, limit).isNull());
+    QVERIFY(!uncompressed(packed, limit));
     QVERIFY2(memory.growth() < 64 * megabyte, qPrintable(QString::number(memory.growth())));
 }
 
@@ -69,10 +69,11 @@ void tst_compressed::roundTrip_data()
 void tst_compressed::roundTrip()
 {
     QFETCH(QByteArray, content);
-    QCOMPARE(uncompressed(qCompress(content), limit), content);
+    QCOMPARE(uncompressed(qCompress(content), limit).value_or(QByteArray()), content);
     // A length that is wrong, but harmless, is set right.
-    QCOMPARE(uncompressed(withLength(0, streamOf(content)), limit), content);
-    QCOMPARE(uncompressed(withLength(1'000'000, streamOf(content)), limit), content);
+    QCOMPARE(uncompressed(withLength(0, streamOf(content)), limit).value_or(QByteArray()), content);
+    QCOMPARE(uncompressed(withLength(1'000'000, streamOf(content)), limit).value_or(QByteArray()),
+             content);
 }
 
 void tst_compressed::refused_data()
@@ -97,15 +98,15 @@ void tst_compressed::refused_data()
 void tst_compressed::refused()
 {
     QFETCH(QByteArray, packed);
-    QVERIFY(uncompressed(packed, limit).isEmpty());
+    QVERIFY(!uncompressed(packed, limit));
 }
 
 void tst_compressed::limits()
 {
     const QByteArray exact(1000, 'x');
-    QCOMPARE(uncompressed(qCompress(exact), 1000), exact);
-    QVERIFY(uncompressed(qCompress(exact), 999).isNull());
-    QVERIFY(uncompressed(withLength(0, streamOf(exact)), 999).isNull());
+    QCOMPARE(uncompressed(qCompress(exact), 1000).value_or(QByteArray()), exact);
+    QVERIFY(!uncompressed(qCompress(exact), 999));
+    QVERIFY(!uncompressed(withLength(0, streamOf(exact)), 999));
 }
 
 QTEST_GUILESS_MAIN(tst_compressed)

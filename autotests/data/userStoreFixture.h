@@ -3,6 +3,8 @@
 
 #include "data/benchDataAccess.h"
 #include "engine/benchBase.h"
+
+#include "engine/fakeClock.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
 
@@ -57,7 +59,8 @@ struct userStoreFixture {
     void record(int index)
     {
         auto *test = static_cast<fakeTest *>(runner->getTests().at(index));
-        test->onRun = [] { QTest::qSleep(2); };
+        const fakeClock clock;
+        test->onRun = [] { fakeClock::pass(std::chrono::milliseconds(2)); };
         runner->setTestTime(1);
         runner->runTest(test, QSize(3820, 2160), true);
     }

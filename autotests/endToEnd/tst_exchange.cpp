@@ -6,6 +6,7 @@
 #include "data/httpDatabase.h"
 #include "ui/mainwindow.h"
 
+#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
 #include "support/fakeTest.h"
 #include "support/messageBoxes.h"
@@ -23,12 +24,12 @@ namespace
 
 const QString mandel = QStringLiteral("mandel");
 
-/// One test of the suite's name, so that a full run takes eight seconds.
+/// One test with a name of the suite's. A round takes so much time by the fake clock.
 suite shortSuite()
 {
     suite tests;
     auto test = std::make_unique<fakeTest>(mandel, nullptr);
-    test->onRun = [] { QTest::qSleep(100); };
+    test->onRun = [] { fakeClock::pass(std::chrono::milliseconds(100)); };
     tests.push_back(std::move(test));
     return tests;
 }
@@ -97,6 +98,7 @@ void tst_exchange::initTestCase()
 
 void tst_exchange::window()
 {
+    const fakeClock clock;
     const dataDirectory directory;
     qputenv("COMPUTERNAME", "ALICE");
     QString processor;
@@ -156,6 +158,7 @@ void tst_exchange::window()
 
 void tst_exchange::consoleRunner()
 {
+    const fakeClock clock;
     const dataDirectory directory;
     qputenv("COMPUTERNAME", "CAROL");
     textLog log;

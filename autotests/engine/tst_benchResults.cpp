@@ -59,15 +59,16 @@ void tst_benchResults::describe()
     QFETCH(int, style);
     const benchResults machine(QStringLiteral("LAB7"), QStringLiteral("windows"),
                                QStringLiteral("Some CPU "), clock, 8);
-    QTEST(machine.describe(style), "text");
+    QTEST(machine.describe(benchResults::descriptionStyle(style)), "text");
 }
 
 void tst_benchResults::namesWithPlaceholders()
 {
     const benchResults machine(QStringLiteral("%4 %1"), QStringLiteral("%2"), QStringLiteral("%3"),
                                1e9F, 2);
-    QCOMPARE(machine.describe(0), QStringLiteral("%4 %1 2C 1 GHz (%2)"));
-    QCOMPARE(machine.describe(2), QStringLiteral("%3 X2  1 GHz"));
+    QCOMPARE(machine.describe(benchResults::fullDescription),
+             QStringLiteral("%4 %1 2C 1 GHz (%2)"));
+    QCOMPARE(machine.describe(benchResults::processorDescription), QStringLiteral("%3 X2  1 GHz"));
 }
 
 void tst_benchResults::tests()
@@ -125,7 +126,7 @@ void tst_benchResults::unknownMachine()
     QCOMPARE(machine.getName(), QStringLiteral("your machine"));
     QCOMPARE(machine.getCpu(), QStringLiteral("unknown"));
     QCOMPARE(machine.getFrequency(), 0.0F);
-    QVERIFY(!machine.describe(0).contains(QStringLiteral("GHz")));
+    QVERIFY(!machine.describe(benchResults::fullDescription).contains(QStringLiteral("GHz")));
 }
 
 void tst_benchResults::workingValues()

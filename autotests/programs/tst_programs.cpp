@@ -48,6 +48,7 @@ private slots:
     void cleanup();
 
     void windowAsksAtItsStart();
+    void windowIsShownUntilItsEnd();
     void bothShareTheirFiles();
     void bothKnowTheHost_data();
     void bothKnowTheHost();
@@ -135,6 +136,21 @@ void tst_programs::windowAsksAtItsStart()
     QCOMPARE(server->requests.size(), 2);
     window.kill();
     window.waitForFinished();
+}
+
+/// The exit code is that of the event loop, which is left as soon as the window is shown.
+void tst_programs::windowIsShownUntilItsEnd()
+{
+    QProcess window;
+    prepare(window);
+    QProcessEnvironment environment = window.processEnvironment();
+    environment.insert(QStringLiteral("FENNICK_TEST_EXIT_CODE"), QStringLiteral("7"));
+    window.setProcessEnvironment(environment);
+    window.start(QStringLiteral(FENNICK_WINDOW), QStringList());
+    QVERIFY(QTest::qWaitFor([&window] { return window.state() == QProcess::NotRunning; }, 60'000));
+    QVERIFY2(window.readAllStandardError().contains("shown: Fennick CPU bench ("), "not shown");
+    QCOMPARE(window.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(window.exitCode(), 7);
 }
 
 void tst_programs::bothShareTheirFiles()

@@ -7,7 +7,7 @@ set -euo pipefail
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/tree"
-cp -r "$1"/{engine,tests,data,ui,cli,server,tools,scripts} "$work/tree"
+cp -r "$1"/{engine,tests,data,console,ui,cli,server,tools,scripts} "$work/tree"
 mkdir -p "$work/tree/docs/pictures"
 cp "$1/docs/pictures/folders.svg" "$work/tree/docs/pictures"
 cp -r "$work/tree" "$work/original"

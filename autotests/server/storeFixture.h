@@ -52,10 +52,16 @@ private:
 inline QVector<storedUpload> uploadsIn(resultStore &store)
 {
     QVector<storedUpload> all;
-    const bool isRead = store.forEachUpload([&all](const storedUpload &one) { all.append(one); });
+    const auto isRead = store.forEachUpload([&all](const storedUpload &one) { all.append(one); });
     if (!isRead)
-        qWarning("%s", qPrintable(store.error()));
+        qWarning("%s", qPrintable(isRead.error()));
     return all;
+}
+
+/// Why something failed, for the message of a test.
+template <typename Value> QString why(const outcome<Value> &result)
+{
+    return result ? QString() : result.error();
 }
 
 inline storedUpload numbered(int i)
@@ -64,7 +70,7 @@ inline storedUpload numbered(int i)
                   1'000 + i);
 }
 
-inline std::optional<int> publish(resultStore &store)
+inline outcome<int> publish(resultStore &store)
 {
     const auto lists = [] { return resultStore::lists{"normal", QByteArray("be\0ta", 5)}; };
     return store.publish([](const storedUpload &) {}, lists);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "server/exchange.h"
+#include "server/importExport.h"
 
 #include "server/storeFixture.h"
 
@@ -16,7 +16,7 @@ QByteArray exported(resultStore &store)
     return exportTo(store, buffer) ? buffer.data() : QByteArray();
 }
 
-importReport import(resultStore &store, QByteArray xml)
+outcome<importReport> import(resultStore &store, QByteArray xml)
 {
     QBuffer buffer(&xml);
     buffer.open(QIODevice::ReadOnly);
@@ -58,8 +58,7 @@ void tst_importExport::exportAndImport()
         store.add({numbered(0), numbered(1), numbered(2),
                    stored(machineWith(QStringLiteral("<%1> & \"x\""), QStringLiteral("c"), 3))}));
     QVERIFY(publish(store).has_value());
-    bool isFound = false;
-    QVERIFY(store.withdraw(uploadsIn(store).at(2).id, QStringLiteral("a <reason>"), isFound));
+    QVERIFY(store.withdraw(uploadsIn(store).at(2).id, QStringLiteral("a <reason>")).value());
     const QByteArray xml = exported(store);
     QVERIFY(xml.contains("a &lt;reason&gt;"));
 
@@ -67,16 +66,16 @@ void tst_importExport::exportAndImport()
     resultStore empty(*parseDatabaseAddress(QStringLiteral("sqlite:")
                                             + other.filePath(QStringLiteral("copy.db"))));
     QVERIFY(empty.open());
-    const importReport report = import(empty, xml);
-    QCOMPARE(report.error, QString());
-    QCOMPARE(report.uploads, 4);
-    QCOMPARE(report.lists, 2);
+    const auto report = import(empty, xml);
+    QCOMPARE(why(report), QString());
+    QCOMPARE(report->uploads, 4);
+    QCOMPARE(report->lists, 2);
     QCOMPARE(exported(empty), xml);
-    QCOMPARE(empty.newestVersion(), std::optional<int>(1011));
+    QCOMPARE(empty.newestVersion().value_or(-1), 1011);
     QVERIFY(uploadsIn(empty).first().isEmpty);
     // Again, and into the one it came from: nothing twice.
-    QVERIFY(import(empty, xml).error.isEmpty());
-    QVERIFY(import(store, xml).error.isEmpty());
+    QVERIFY(import(empty, xml));
+    QVERIFY(import(store, xml));
     QCOMPARE(exported(empty), xml);
     QCOMPARE(exported(store), xml);
 }
@@ -89,15 +88,16 @@ void tst_importExport::importOfAList()
                             "<bench machineName=\"A (est.)\" os=\"linux\" cpu=\"a\" clock=\"1\" "
                             "threadCount=\"1\"><test name=\"mandel\" result=\"1\"/></bench>\r\n"
                             "<bench machineName=\"B\" os=\"linux\" cpu=\"b\" clock=\"1\" "
-                            "threadCount=\"1\"><test name=\"mandel\" result=\"2\"/></bench>\r\n"
+                            "threadCount=\"8.0\"><test name=\"mandel\" result=\"2\"/></bench>\r\n"
                             "</Fennick>";
-    const importReport report = import(store, list);
-    QCOMPARE(report.error, QString());
-    QCOMPARE(report.uploads, 1);
-    QCOMPARE(report.estimates, 1);
+    const auto report = import(store, list);
+    QCOMPARE(why(report), QString());
+    QCOMPARE(report->uploads, 1);
+    QCOMPARE(report->estimates, 1);
     const QVector<storedUpload> all = uploadsIn(store);
     QCOMPARE(all.size(), 1);
     QVERIFY(all.first().content.contains("cpu=\"b\""));
+    QVERIFY(all.first().content.contains("threadCount=\"8\""));
     QCOMPARE(all.first().received, qint64(5'000));
     QCOMPARE(all.first().state, QStringLiteral("received"));
 }
@@ -119,14 +119,16 @@ void tst_importExport::brokenImports()
           QByteArray(two).replace("result=\"9\"", "result=\"-9\""),
           QByteArray(two).replace("mandel\" result=\"9\"", "other\" result=\"9\""),
           QByteArray(good).replace("received\" reason", "lost\" reason"),
-          QByteArray("<!DOCTYPE x>") + two}) {
+          QByteArray("<!DOCTYPE x>") + two, QByteArray(two).replace("\"9\"", "\"9,5\""),
+          QByteArray(two).replace("threadCount=\"1\"", "threads=\"1\""),
+          QByteArray(two).replace("</bench></FennickExport>", "<x/></bench></FennickExport>")}) {
         resultStore empty(*parseDatabaseAddress(QStringLiteral("sqlite:")
                                                 + other.filePath(QStringLiteral("empty.db"))));
         QVERIFY(empty.open());
-        QVERIFY2(!import(empty, broken).error.isEmpty(), broken);
+        QVERIFY2(!import(empty, broken), broken);
         QVERIFY(uploadsIn(empty).isEmpty());
     }
-    QVERIFY(import(store, two).error.isEmpty());
+    QVERIFY(import(store, two));
     QCOMPARE(uploadsIn(store).size(), 2);
 }
 

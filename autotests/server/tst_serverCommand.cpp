@@ -21,7 +21,7 @@ private slots:
 namespace
 {
 
-serverCommand parsed(const QString &arguments)
+parsed<serverCommand> read(const QString &arguments)
 {
     QStringList list(QStringLiteral("fennick-server"));
     if (!arguments.isEmpty())
@@ -29,11 +29,16 @@ serverCommand parsed(const QString &arguments)
     return parseServerCommand(list, QStringLiteral("/data/results.sqlite"));
 }
 
+serverCommand commandOf(const QString &arguments)
+{
+    return read(arguments).value();
+}
+
 } // namespace
 
 void tst_serverCommand::defaults()
 {
-    const serverCommand command = parsed(QStringLiteral("serve"));
+    const serverCommand command = commandOf(QStringLiteral("serve"));
     QCOMPARE(command.wanted, serverCommand::serve);
     QCOMPARE(command.address, QStringLiteral("127.0.0.1"));
     QCOMPARE(command.port, 8426);
@@ -47,7 +52,7 @@ void tst_serverCommand::defaults()
 
 void tst_serverCommand::options()
 {
-    const serverCommand command = parsed(
+    const serverCommand command = commandOf(
         QStringLiteral("serve --listen [::1]:0 --database postgresql://me@db/bench --upload-limit "
                        "5/60 --connections 64 --behind-proxy"));
     QCOMPARE(command.wanted, serverCommand::serve);
@@ -71,7 +76,7 @@ void tst_serverCommand::verbs_data()
 
 void tst_serverCommand::verbs()
 {
-    const serverCommand command = parsed(QString::fromLatin1(QTest::currentDataTag()));
+    const serverCommand command = commandOf(QString::fromLatin1(QTest::currentDataTag()));
     QTEST(int(command.wanted), "action");
     if (command.wanted == serverCommand::importFile)
         QCOMPARE(command.file, QStringLiteral("a.xml"));
@@ -82,7 +87,8 @@ void tst_serverCommand::withdrawal()
     const serverCommand command =
         parseServerCommand({QStringLiteral("s"), QStringLiteral("withdraw"), QStringLiteral("17"),
                             QStringLiteral("--why"), QStringLiteral(" clock was wrong ")},
-                           QStringLiteral("x"));
+                           QStringLiteral("x"))
+            .value();
     QCOMPARE(command.wanted, serverCommand::withdraw);
     QCOMPARE(command.id, qint64(17));
     QCOMPARE(command.reason, QStringLiteral("clock was wrong"));
@@ -94,7 +100,7 @@ void tst_serverCommand::errors_data()
     const auto row = [](const char *arguments, const char *message) {
         QTest::newRow(arguments) << QString::fromLatin1(message);
     };
-    row("", "what is to be done?");
+    row("", "a command is missing. See --help");
     row("frobnicate", "there is no command 'frobnicate'");
     row("serve now", "'serve' takes 0 argument(s), not 1");
     row("import", "'import' takes 1 argument(s), not 0");
@@ -118,22 +124,25 @@ void tst_serverCommand::errors_data()
 
 void tst_serverCommand::errors()
 {
-    const serverCommand command = parsed(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(command.wanted, serverCommand::showError);
+    const auto command = read(QString::fromLatin1(QTest::currentDataTag()));
+    QVERIFY(!command);
+    QCOMPARE(command.error().code, exitUsage);
+    const QString text = command.error().text;
     QFETCH(QString, message);
-    QVERIFY2(command.message.startsWith(QStringLiteral("fennick-server: ") + message),
-             qPrintable(command.message));
-    QVERIFY(command.message.endsWith(QLatin1Char('\n')));
+    QVERIFY2(text.startsWith(QStringLiteral("fennick-server: ") + message), qPrintable(text));
+    QVERIFY(text.endsWith(QLatin1Char('\n')));
 }
 
 void tst_serverCommand::texts()
 {
-    const serverCommand help = parsed(QStringLiteral("--help"));
-    QCOMPARE(help.wanted, serverCommand::showText);
+    const closingText help = read(QStringLiteral("--help")).error();
+    QCOMPARE(help.code, exitSuccess);
     for (const char *word : {"serve", "publish", "import FILE.xml", "export", "withdraw ID", "list",
                              "--listen", "--database", "--why"})
-        QVERIFY2(help.message.contains(QLatin1String(word)), word);
-    QCOMPARE(parsed(QStringLiteral("--version")).message,
+        QVERIFY2(help.text.contains(QLatin1String(word)), word);
+    const closingText version = read(QStringLiteral("--version")).error();
+    QCOMPARE(version.code, exitSuccess);
+    QCOMPARE(version.text,
              QStringLiteral("fennick-server %1\n").arg(QStringLiteral(FENNICK_VERSION)));
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/uploadCheck.h"
 
-#include "data/benchXml.h"
+#include "data/benchReader.h"
 #include "server/ceilings.h"
-#include "server/uploadOf.h"
+#include "server/storedUpload.h"
 
 #include "support/uploads.h"
 #include "tests/suiteFacts.h"
@@ -45,17 +45,16 @@ QByteArray with(const QByteArray &what, const QByteArray &instead)
 
 void tst_uploadCheck::accepted()
 {
-    const checkedUpload upload = checkUpload(uploadXml("LAB7", "Some CPU", "12.5"));
-    QCOMPARE(upload.reason, QString());
-    QVERIFY(upload.isAccepted());
-    QCOMPARE(upload.machine.getName(), QStringLiteral("LAB7"));
-    QCOMPARE(upload.machine.getCpu(), QStringLiteral("Some CPU"));
-    QCOMPARE(upload.machine.getFrequency(), 2e9F);
-    QCOMPARE(upload.machine.getThreads(), 4);
-    QCOMPARE(upload.machine.getTests().value(QStringLiteral("mandel")).value, 12.5F);
+    const auto upload = checkUpload(uploadXml("LAB7", "Some CPU", "12.5"));
+    QVERIFY2(upload, qPrintable(upload ? QString() : upload.error().reason));
+    QCOMPARE(upload->getName(), QStringLiteral("LAB7"));
+    QCOMPARE(upload->getCpu(), QStringLiteral("Some CPU"));
+    QCOMPARE(upload->getFrequency(), 2e9F);
+    QCOMPARE(upload->getThreads(), 4);
+    QCOMPARE(upload->getTests().value(QStringLiteral("mandel")).value, 12.5F);
+    QCOMPARE(checkUpload(with("threadCount=\"4\"", "threadCount=\"8.0\""))->getThreads(), 8);
     QVERIFY(checkUpload("<a><bench machineName='' os='android' cpu='c' clock='0' threadCount='1'/>"
-                        "</a>")
-                .isAccepted());
+                        "</a>"));
 }
 
 void tst_uploadCheck::everyTestHasACeiling()
@@ -95,6 +94,8 @@ void tst_uploadCheck::refused_data()
     QTest::newRow("not UTF-8") << with("LAB7", "\xFF\xFE") << false
                                << QStringLiteral("the results are not well-formed XML");
     row("no machine", "<F/>", "there must be exactly one machine");
+    row("machine as the root", uploadXml("a", "b", "1").replace("Fennick", "bench"),
+        "there must be no element 'bench' here");
     row("two machines",
         with("</Fennick>", "<bench machineName='b' os='linux' cpu='c' clock='1' "
                            "threadCount='1'/></Fennick>"),
@@ -108,7 +109,7 @@ void tst_uploadCheck::refused_data()
     row("unknown test", with("mandel", "Mandel"), "there is no test 'Mandel'");
     row("single-only test", with("mandel", "rotozoom 'no'"), "there is no test 'rotozoom 'no''");
     row("test twice", with("<test ", "<test name='mandel' result='1'/><test "),
-        "the test 'mandel' stands twice");
+        "the test 'mandel' appears twice");
     for (const char *number : {"nan", "inf", "-inf", "infinity", "", " ", "1,5", "0x10", "1e99"}) {
         QTest::newRow(QByteArray("result ") + number)
             << with("12.5", number) << true
@@ -128,10 +129,10 @@ void tst_uploadCheck::refused()
 {
     QFETCH(QByteArray, xml);
     QFETCH(QString, reason);
-    const checkedUpload upload = checkUpload(xml);
-    QVERIFY(!upload.isAccepted());
-    QVERIFY2(upload.reason.startsWith(reason), qPrintable(upload.reason));
-    QTEST(upload.isReadable, "isReadable");
+    const auto upload = checkUpload(xml);
+    QVERIFY(!upload);
+    QVERIFY2(upload.error().reason.startsWith(reason), qPrintable(upload.error().reason));
+    QTEST(upload.error().isReadable, "isReadable");
 }
 
 void tst_uploadCheck::hostile_data()
@@ -159,9 +160,9 @@ void tst_uploadCheck::hostile_data()
 void tst_uploadCheck::hostile()
 {
     QFETCH(QByteArray, xml);
-    const checkedUpload upload = checkUpload(xml);
-    QVERIFY(!upload.isAccepted());
-    QVERIFY(upload.reason.size() < 600);
+    const auto upload = checkUpload(xml);
+    QVERIFY(!upload);
+    QVERIFY(upload.error().reason.size() < 600);
 }
 
 void tst_uploadCheck::ceilings()
@@ -169,14 +170,14 @@ void tst_uploadCheck::ceilings()
     for (auto entry = resultCeilings().begin(); entry != resultCeilings().end(); ++entry) {
         benchResults machine = machineWith(QStringLiteral("m"), QStringLiteral("c"), 1);
         machine.setTest(entry.key(), benchResults::test(*entry * 0.9999F));
-        QCOMPARE(faultOf(machine), QString());
+        QVERIFY(checkMachine(machine));
         // Just below, but not with the six digits of what is stored.
         machine.setTest(entry.key(), benchResults::test(std::nextafter(*entry, 0.0F)));
-        QVERIFY(faultOf(machine).contains(entry.key()));
+        QVERIFY(checkMachine(machine).error().contains(entry.key()));
         machine.setTest(entry.key(), benchResults::test(*entry));
-        QVERIFY(faultOf(machine).contains(entry.key()));
+        QVERIFY(checkMachine(machine).error().contains(entry.key()));
         machine.setTest(entry.key(), benchResults::test(std::numeric_limits<float>::quiet_NaN()));
-        QVERIFY(faultOf(machine).contains(entry.key()));
+        QVERIFY(checkMachine(machine).error().contains(entry.key()));
     }
 }
 
@@ -199,8 +200,8 @@ void tst_uploadCheck::names_data()
 void tst_uploadCheck::names()
 {
     QFETCH(QString, name);
-    QTEST(faultOf(machineWith(name, QStringLiteral("cpu"), 1)).isEmpty(), "isAllowed");
-    QTEST(faultOf(machineWith(QStringLiteral("m"), name, 1)).isEmpty(), "isAllowed");
+    QTEST(checkMachine(machineWith(name, QStringLiteral("cpu"), 1)).has_value(), "isAllowed");
+    QTEST(checkMachine(machineWith(QStringLiteral("m"), name, 1)).has_value(), "isAllowed");
 }
 
 /// Lists of machines are read with names of a bounded length. What is taken here is shorter, and
@@ -208,23 +209,23 @@ void tst_uploadCheck::names()
 void tst_uploadCheck::noNameIsCut()
 {
     const QByteArray longest(maximumNameLength, 'x');
-    const checkedUpload taken = checkUpload(uploadXml(longest, longest, "1"));
-    QVERIFY2(taken.isAccepted(), qPrintable(taken.reason));
-    const benchResults machine = machineOf(uploadOf(taken.machine, 1));
+    const auto taken = checkUpload(uploadXml(longest, longest, "1"));
+    QVERIFY(taken);
+    const benchResults machine = uploadedMachine(makeUpload(*taken, 1));
     QCOMPARE(machine.getName().toLatin1(), longest);
     QCOMPARE(machine.getCpu().toLatin1(), longest);
     for (const int length : {maximumNameLength + 1, maximumTextLength, maximumTextLength + 1}) {
         const QByteArray tooLong(length, 'x');
-        QVERIFY(!checkUpload(uploadXml(tooLong, "c", "1")).isAccepted());
-        QVERIFY(!checkUpload(uploadXml("m", tooLong, "1")).isAccepted());
+        QVERIFY(!checkUpload(uploadXml(tooLong, "c", "1")));
+        QVERIFY(!checkUpload(uploadXml("m", tooLong, "1")));
     }
 }
 
 void tst_uploadCheck::sameContent()
 {
     const auto hash = [](const QByteArray &xml) {
-        const checkedUpload upload = checkUpload(xml);
-        return upload.isAccepted() ? uploadOf(upload.machine, 1).hash : QByteArray();
+        const auto upload = checkUpload(xml);
+        return upload ? makeUpload(*upload, 1).hash : QByteArray();
     };
     const QByteArray one = hash(uploadXml("LAB7", "Some CPU", "12.5"));
     QCOMPARE(one.size(), 64);
@@ -239,7 +240,7 @@ void tst_uploadCheck::allZero()
     QVERIFY(isAllZero(benchResults()));
     QVERIFY(isAllZero(machineWith(QStringLiteral("m"), QStringLiteral("c"), 0)));
     QVERIFY(!isAllZero(machineWith(QStringLiteral("m"), QStringLiteral("c"), 1e-6F)));
-    QVERIFY(checkUpload(uploadXml("m", "c", "0")).isAccepted());
+    QVERIFY(checkUpload(uploadXml("m", "c", "0")));
 }
 
 QTEST_APPLESS_MAIN(tst_uploadCheck)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "server/uploadOf.h"
+#include "server/storedUpload.h"
 
 #include "data/formBody.h"
 #include "engine/benchResults.h"
@@ -26,7 +26,7 @@ inline QByteArray uploadXml(const QByteArray &name, const QByteArray &cpu, const
 
 inline storedUpload stored(const benchResults &machine, qint64 time = 1'000)
 {
-    return uploadOf(machine, time);
+    return makeUpload(machine, time);
 }
 
 /// The body of a request that uploads @p xml.

@@ -2,6 +2,7 @@
 
 // What the window shows, and when it gives a frame up.
 
+#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
 #include "support/messageBoxes.h"
 #include "ui/guardedTest.h"
@@ -125,11 +126,11 @@ void tst_mainwindowFrames::frameIsGivenUpAtTheEndOfATest()
 
 void tst_mainwindowFrames::resizedWhileUploading()
 {
-    // A full run to its end: this takes the eight seconds of one test.
+    const fakeClock clock;
     const guardedWindow w;
     QImage picture;
     bool isShown = false;
-    w.test->onRun = [] { QTest::qSleep(50); };
+    w.test->onRun = [] { fakeClock::pass(std::chrono::milliseconds(50)); };
     w.database->whileUploading = [&] {
         isShown = w.fixture->display()->isVisible() && w.test->isGuarded();
         picture = w.resizedPicture();
@@ -145,12 +146,13 @@ void tst_mainwindowFrames::resizedWhileUploading()
 
 void tst_mainwindowFrames::resizedBeforeTheNextTry()
 {
+    const fakeClock clock;
     const guardedWindow w;
     w.fixture->find<QComboBox>("comboBoxAutoRepeat")->setCurrentText(QStringLiteral("on"));
     w.fixture->addTestTime(QStringLiteral("1"));
     QImage picture;
     w.test->onRun = [&] {
-        QTest::qSleep(50);
+        fakeClock::pass(std::chrono::milliseconds(50));
         w.test->canSetup = false;
     };
     QTimer look;
@@ -168,10 +170,11 @@ void tst_mainwindowFrames::resizedBeforeTheNextTry()
 
 void tst_mainwindowFrames::secondRunCountsAnew()
 {
+    const fakeClock clock;
     windowFixture f;
     QVector<int> places;
     f.fakes.at(0)->onRun = [&] {
-        QTest::qSleep(5);
+        fakeClock::pass(std::chrono::milliseconds(5));
         places.append(f.display()->testIndex());
         f.window->singleTestStop();
     };

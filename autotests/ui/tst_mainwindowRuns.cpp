@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
 #include "support/messageBoxes.h"
 #include "ui/compareWindow.h"
@@ -14,9 +15,10 @@
 namespace
 {
 
+/// A round takes this long by the fake clock.
 void briefly()
 {
-    QTest::qSleep(5);
+    fakeClock::pass(std::chrono::milliseconds(5));
 }
 
 } // namespace
@@ -107,6 +109,7 @@ void tst_mainwindowRuns::uploadIsDisabled()
 
 void tst_mainwindowRuns::framesAreShownInAFullRun()
 {
+    const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->canSetup = false;
     bool wasRunning = false;
@@ -137,6 +140,7 @@ void tst_mainwindowRuns::framesAreShownInAFullRun()
 
 void tst_mainwindowRuns::closeDuringAFullRun()
 {
+    const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->onRun = [&] {
         briefly();
@@ -152,6 +156,7 @@ void tst_mainwindowRuns::closeDuringAFullRun()
 
 void tst_mainwindowRuns::closeDuringARunEndsTheProgram()
 {
+    const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->onRun = [&] {
         briefly();
@@ -171,6 +176,7 @@ void tst_mainwindowRuns::closeDuringARunEndsTheProgram()
 
 void tst_mainwindowRuns::singleRunIsStopped()
 {
+    const fakeClock clock;
     windowFixture f;
     int runs = 0;
     bool stopWasVisible = false;
@@ -228,6 +234,7 @@ void tst_mainwindowRuns::displayDuringASingleRun()
 
 void tst_mainwindowRuns::autoRepeat()
 {
+    const fakeClock clock;
     windowFixture f;
     f.find<QComboBox>("comboBoxAutoRepeat")->setCurrentText(QStringLiteral("on"));
     f.addTestTime(QStringLiteral("1"));
@@ -273,7 +280,7 @@ void tst_mainwindowRuns::framesFlow()
     f.display()->installEventFilter(&counter);
     int runs = 0;
     f.fakes.at(0)->onRun = [&] {
-        QTest::qSleep(20);
+        QTest::qSleep(20); // the platform paints a window no more often than every few ms
         if (++runs == 10)
             f.window->singleTestStop();
     };
@@ -283,6 +290,7 @@ void tst_mainwindowRuns::framesFlow()
 
 void tst_mainwindowRuns::viewsDuringARun()
 {
+    const fakeClock clock;
     windowFixture f;
     int runs = 0;
     QStringList titles;
@@ -306,6 +314,7 @@ void tst_mainwindowRuns::viewsDuringARun()
 
 void tst_mainwindowRuns::startTwice()
 {
+    const fakeClock clock;
     windowFixture f;
     for (int i = 0; i < 2; ++i) {
         int runs = 0;

@@ -56,16 +56,14 @@ void csvRow::fail(const QString &what)
         firstError = what;
 }
 
-tl::expected<void, QString> readRows(const QString &name, const QByteArray &csv,
-                                     const QString &columns,
-                                     const std::function<void(csvRow &)> &read)
+outcome<void> readRows(const QString &name, const QByteArray &csv, const QString &columns,
+                       const std::function<void(csvRow &)> &read)
 {
     const auto errorAt = [&name](int line, const QString &what) {
-        return tl::make_unexpected(
-            QStringLiteral("%1, line %2: %3").arg(name, QString::number(line), what));
+        return failure(QStringLiteral("%1, line %2: %3").arg(name, QString::number(line), what));
     };
     if (csv.isEmpty())
-        return tl::make_unexpected(QStringLiteral("%1 is empty or missing").arg(name));
+        return failure(QStringLiteral("%1 is empty or missing").arg(name));
     QStringList lines = QString::fromUtf8(csv).split(QLatin1Char('\n'));
     if (lines.last().isEmpty())
         lines.removeLast();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <tl/expected.hpp>
+#include "engine/outcome.h"
 
 #include <QByteArray>
 #include <QString>
@@ -42,8 +42,7 @@ private:
 /// Calls @p read for each row of @p csv, whose first line must be @p columns. Cells are separated
 /// by commas and are not quoted. Stops at the first error and returns it with the table's @p name
 /// and the line.
-tl::expected<void, QString> readRows(const QString &name, const QByteArray &csv,
-                                     const QString &columns,
-                                     const std::function<void(csvRow &)> &read);
+outcome<void> readRows(const QString &name, const QByteArray &csv, const QString &columns,
+                       const std::function<void(csvRow &)> &read);
 
 } // namespace reference

@@ -27,11 +27,11 @@ machine atOneGigahertz(const QString &coreName)
 
 } // namespace
 
-tl::expected<QByteArray, QString> generationTable(const tables &facts)
+outcome<QByteArray> generationTable(const tables &facts)
 {
     const auto factors = calibrationFactors(facts);
     if (!factors)
-        return tl::make_unexpected(factors.error());
+        return failure(factors.error());
     QString table = QStringLiteral("test\tfamily\tcore\tyear\tresult at 1 GHz\n");
     for (int i = 0; i < factors->size(); ++i) {
         const modelledTest &test = modelledTests().at(i);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/outcome.h"
 #include "tools/reference/referenceTables.h"
 
 #include <QByteArray>
@@ -12,6 +13,6 @@ namespace reference
 /// header and rows of test, family, core, year, and the result of one core at 1 GHz that never
 /// waits for memory, separated by tabs. An error if the measured results are not those of the
 /// tests.
-tl::expected<QByteArray, QString> generationTable(const tables &facts);
+outcome<QByteArray> generationTable(const tables &facts);
 
 } // namespace reference

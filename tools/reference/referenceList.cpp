@@ -43,11 +43,11 @@ benchResults modelledMachine(const machine &m, const tables &facts, const QVecto
     return result;
 }
 
-tl::expected<QByteArray, QString> machineList(const tables &facts)
+outcome<QByteArray> machineList(const tables &facts)
 {
     const auto factors = calibrationFactors(facts);
     if (!factors)
-        return tl::make_unexpected(factors.error());
+        return failure(factors.error());
     QByteArray text;
     QXmlStreamWriter xml(&text);
     xml.setAutoFormatting(true);
@@ -61,11 +61,11 @@ tl::expected<QByteArray, QString> machineList(const tables &facts)
     return text.replace('\n', "\r\n");
 }
 
-tl::expected<QByteArray, QString> factorTable(const tables &facts)
+outcome<QByteArray> factorTable(const tables &facts)
 {
     const auto factors = calibrationFactors(facts);
     if (!factors)
-        return tl::make_unexpected(factors.error());
+        return failure(factors.error());
     QByteArray text = "| test | measured | modelled | factor |\n|---|---|---|---|\n";
     for (int i = 0; i < factors->size(); ++i) {
         const modelledTest &test = modelledTests().at(i);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/benchResults.h"
+#include "engine/outcome.h"
 #include "tools/reference/referenceTables.h"
 
 #include <QByteArray>
@@ -16,10 +17,10 @@ benchResults modelledMachine(const machine &m, const tables &facts, const QVecto
 
 /// The list of machines that is embedded in the programs, as XML with CR LF line ends; an error if
 /// the measured results are not those of the tests.
-tl::expected<QByteArray, QString> machineList(const tables &facts);
+outcome<QByteArray> machineList(const tables &facts);
 
 /// The calibration as a Markdown table: for each test the measured result, the modelled one before
 /// calibration, and the factor between them. The same error as machineList.
-tl::expected<QByteArray, QString> factorTable(const tables &facts);
+outcome<QByteArray> factorTable(const tables &facts);
 
 } // namespace reference

@@ -135,21 +135,20 @@ double modelled(const modelledTest &test, const machine &m, const tables &facts)
     return std::min(coresBound(test, m, facts), memoryBound(test, m, facts));
 }
 
-tl::expected<QVector<double>, QString> calibrationFactors(const tables &facts)
+outcome<QVector<double>> calibrationFactors(const tables &facts)
 {
     const QVector<modelledTest> &tests = modelledTests();
     QVector<double> factors;
     for (int i = 0; i < tests.size(); ++i) {
         if (i >= facts.calibration.size() || facts.calibration.at(i).test != tests.at(i).name) {
-            return tl::make_unexpected(
-                QStringLiteral("calibration.csv, line %1: not the result of '%2'")
-                    .arg(QString::number(i + 2), tests.at(i).name));
+            return failure(QStringLiteral("calibration.csv, line %1: not the result of '%2'")
+                               .arg(QString::number(i + 2), tests.at(i).name));
         }
         factors.append(facts.calibration.at(i).result
                        / modelled(tests.at(i), facts.calibrationMachine, facts));
     }
     if (facts.calibration.size() != tests.size())
-        return tl::make_unexpected(QStringLiteral("calibration.csv: more results than tests"));
+        return failure(QStringLiteral("calibration.csv: more results than tests"));
     // Two cores are not more than twice as fast as one: what is above is the noise of the two
     // measurements, and must not reach machines with many cores.
     for (int i = 0; i < tests.size(); ++i) {

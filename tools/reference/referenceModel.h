@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/outcome.h"
 #include "tests/suiteFacts.h"
 #include "tools/reference/referenceTables.h"
 
@@ -40,7 +41,7 @@ double modelled(const modelledTest &test, const machine &m, const tables &facts)
 
 /// Measured divided by modelled result on the calibration machine, for each of modelledTests; an
 /// error if the measured results are not those of the tests.
-tl::expected<QVector<double>, QString> calibrationFactors(const tables &facts);
+outcome<QVector<double>> calibrationFactors(const tables &facts);
 
 /// The result of @p m, corrected by @p factor and never above what the memory allows.
 double estimate(const modelledTest &test, const machine &m, const tables &facts, double factor);

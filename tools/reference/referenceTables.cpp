@@ -20,14 +20,12 @@ const QString calibrationName = QStringLiteral("calibration.csv");
 
 /// @p rows if there are as many as expected.
 template <typename Rows>
-tl::expected<Rows, QString> counted(const tl::expected<Rows, QString> &rows, const QString &name,
-                                    int expected)
+outcome<Rows> counted(const outcome<Rows> &rows, const QString &name, int expected)
 {
     if (!rows || rows->size() == expected)
         return rows;
-    return tl::make_unexpected(
-        QStringLiteral("%1: %2 rows instead of %3")
-            .arg(name, QString::number(rows->size()), QString::number(expected)));
+    return failure(QStringLiteral("%1: %2 rows instead of %3")
+                       .arg(name, QString::number(rows->size()), QString::number(expected)));
 }
 
 core coreOf(csvRow &row)
@@ -91,7 +89,7 @@ QByteArray contentOf(const QDir &directory, const QString &name)
 
 } // namespace
 
-tl::expected<QMap<QString, core>, QString> readCores(const QByteArray &csv)
+outcome<QMap<QString, core>> readCores(const QByteArray &csv)
 {
     QMap<QString, core> cores;
     return readRows(coresName, csv,
@@ -107,8 +105,8 @@ tl::expected<QMap<QString, core>, QString> readCores(const QByteArray &csv)
         .map([&cores] { return cores; });
 }
 
-tl::expected<QVector<machine>, QString> readMachines(const QString &name, const QByteArray &csv,
-                                                     const QMap<QString, core> &cores)
+outcome<QVector<machine>> readMachines(const QString &name, const QByteArray &csv,
+                                       const QMap<QString, core> &cores)
 {
     QVector<machine> machines;
     return readRows(name, csv,
@@ -121,8 +119,8 @@ tl::expected<QVector<machine>, QString> readMachines(const QString &name, const 
         .map([&machines] { return machines; });
 }
 
-tl::expected<QMap<QString, QVector<otherCores>>, QString> readOtherCores(const QByteArray &csv,
-                                                                         const tables &known)
+outcome<QMap<QString, QVector<otherCores>>> readOtherCores(const QByteArray &csv,
+                                                           const tables &known)
 {
     QMap<QString, QVector<otherCores>> others;
     QMap<QString, int> counts;
@@ -143,7 +141,7 @@ tl::expected<QMap<QString, QVector<otherCores>>, QString> readOtherCores(const Q
         .map([&others] { return others; });
 }
 
-tl::expected<QVector<measuredResult>, QString> readCalibration(const QByteArray &csv)
+outcome<QVector<measuredResult>> readCalibration(const QByteArray &csv)
 {
     QVector<measuredResult> results;
     return readRows(calibrationName, csv, QStringLiteral("test,result"),
@@ -153,7 +151,7 @@ tl::expected<QVector<measuredResult>, QString> readCalibration(const QByteArray 
         .map([&results] { return results; });
 }
 
-tl::expected<tables, QString> readTables(const QString &directory)
+outcome<tables> readTables(const QString &directory)
 {
     const QDir from(directory);
     tables read;
@@ -178,7 +176,7 @@ tl::expected<tables, QString> readTables(const QString &directory)
                 calibrated)
         && take(readCalibration(contentOf(from, calibrationName)), read.calibration);
     if (!isComplete)
-        return tl::make_unexpected(error);
+        return failure(error);
     read.calibrationMachine = calibrated.first();
     return read;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <tl/expected.hpp>
+#include "engine/outcome.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -74,15 +74,15 @@ constexpr int coreCount = 73;
 
 // Each function reads one table, or returns what is wrong and where.
 
-tl::expected<QMap<QString, core>, QString> readCores(const QByteArray &csv);
-tl::expected<QVector<machine>, QString> readMachines(const QString &name, const QByteArray &csv,
-                                                     const QMap<QString, core> &cores);
+outcome<QMap<QString, core>> readCores(const QByteArray &csv);
+outcome<QVector<machine>> readMachines(const QString &name, const QByteArray &csv,
+                                       const QMap<QString, core> &cores);
 /// @p known holds the cores and machines.
-tl::expected<QMap<QString, QVector<otherCores>>, QString> readOtherCores(const QByteArray &csv,
-                                                                         const tables &known);
-tl::expected<QVector<measuredResult>, QString> readCalibration(const QByteArray &csv);
+outcome<QMap<QString, QVector<otherCores>>> readOtherCores(const QByteArray &csv,
+                                                           const tables &known);
+outcome<QVector<measuredResult>> readCalibration(const QByteArray &csv);
 
 /// Reads all tables in @p directory.
-tl::expected<tables, QString> readTables(const QString &directory);
+outcome<tables> readTables(const QString &directory);
 
 } // namespace reference

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/standardStreams.h"
-
-#include "cli/consoleRunner.h"
+#include "console/standardStreams.h"
 
 #include <QtTest>
 
@@ -144,7 +142,7 @@ void tst_standardStreams::exitCodes()
                      ::dup2(::open("/dev/null", O_WRONLY), 1);
                      std::fputs("another one\n", stdout);
                  }
-                 return exitCodeAfterOutput(code, QStringLiteral("program"));
+                 return int(exitCodeAfterOutput(exitCode(code), QStringLiteral("program")));
              }),
              expected);
     ::close(errors[1]);

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/standardStreams.h"
+#include "console/standardStreams.h"
 
 #include <QtGlobal>
-
-#include <cstdio>
-#include <cstdlib>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -23,16 +20,26 @@ void occupyStandardHandles()
 #endif
 }
 
-int exitCodeAfterOutput(int code, const QString &program)
+void writeText(const QString &text, std::FILE *stream)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
+}
+
+exitCode complain(const QString &program, const QString &sentence)
+{
+    writeText(QStringLiteral("%1: %2\n").arg(program, sentence), stderr);
+    return exitFailure;
+}
+
+exitCode exitCodeAfterOutput(exitCode code, const QString &program)
 {
     // The mark of an earlier failure stays; what has only reached a buffer fails here.
     const bool hadFailed = std::ferror(stdout) != 0;
     const bool isClosed = std::fclose(stdout) == 0;
     if (!hadFailed && isClosed)
         return code;
-    const QString text =
-        QStringLiteral("%1: the output is not complete: standard output cannot be written\n")
-            .arg(program);
-    std::fputs(text.toLocal8Bit().constData(), stderr);
-    return code == EXIT_SUCCESS ? EXIT_FAILURE : code;
+    complain(program,
+             QStringLiteral("the output is not complete: standard output cannot be written"));
+    return code == exitSuccess ? exitFailure : code;
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "server/uploadOf.h"
+#include "server/storedUpload.h"
 
 #include "data/benchXml.h"
 #include "server/uploadCheck.h"
 
 #include <QCryptographicHash>
 
-storedUpload uploadOf(const benchResults &machine, qint64 now)
+storedUpload makeUpload(const benchResults &machine, qint64 now)
 {
     storedUpload upload;
     upload.content = canonicalXml(machine);
@@ -17,7 +17,7 @@ storedUpload uploadOf(const benchResults &machine, qint64 now)
     return upload;
 }
 
-benchResults machineOf(const storedUpload &upload)
+benchResults uploadedMachine(const storedUpload &upload)
 {
     return readMachines(upload.content).value(0);
 }

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "console/options.h"
+
+#include "console/standardStreams.h"
+
+#include <QCommandLineParser>
+
+closingText usageError(const QString &program, const QString &sentence)
+{
+    return {QStringLiteral("%1: %2\n").arg(program, sentence), exitUsage};
+}
+
+std::optional<closingText> readOptions(QCommandLineParser &parser, const QStringList &arguments,
+                                       const QString &program)
+{
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    if (!parser.parse(arguments))
+        return usageError(program, parser.errorText());
+    if (parser.isSet(help))
+        return closingText{parser.helpText()};
+    if (parser.isSet(version)) {
+        return closingText{QStringLiteral("%1 %2\n").arg(program, QStringLiteral(FENNICK_VERSION))};
+    }
+    return std::nullopt;
+}
+
+exitCode sayInClosing(const closingText &closing)
+{
+    writeText(closing.text, closing.code == exitSuccess ? stdout : stderr);
+    return closing.code;
+}
+
+std::optional<int> wholeNumber(const QString &text, int least, int most)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber && number >= least && number <= most ? std::make_optional(number)
+                                                         : std::nullopt;
+}
