@@ -75,11 +75,11 @@ units_of() {
     done | sort -u
 }
 
-# including HEADER: a source that includes it; paths start at the top or at autotests.
+# including HEADER: a source that includes it; paths start at the top, at autotests or beside the source.
 including() {
     # Each name is a file of ours without white space.
     # shellcheck disable=SC2086
-    grep -lF -e "#include \"$1\"" -e "#include \"${1#autotests/}\"" $all_units | head -n 1 || true
+    grep -lF -e "#include \"$1\"" -e "#include \"${1#autotests/}\"" -e "#include \"${1##*/}\"" $all_units | head -n 1 || true
 }
 
 # our_headers: the configuration's expression for them, without those that the build has made.

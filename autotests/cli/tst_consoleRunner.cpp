@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
 
-#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
+#include "support/fakeClock.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
 

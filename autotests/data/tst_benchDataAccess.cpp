@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchDataAccess.h"
 
-#include "data/referenceFixture.h"
+#include "referenceFixture.h"
 #include "support/dataDirectory.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"

@@ -2,7 +2,7 @@
 #include "data/benchXml.h"
 
 #include "data/benchReader.h"
-#include "data/machineListXml.h"
+#include "machineListXml.h"
 
 #include <QTextCodec>
 #include <QtTest>

@@ -2,7 +2,7 @@
 #include "data/benchReader.h"
 #include "data/benchXml.h"
 
-#include "data/machineListXml.h"
+#include "machineListXml.h"
 #include "support/peakMemory.h"
 
 #include <QtTest>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/compressed.h"
 
-#include "data/zlibStream.h"
 #include "support/peakMemory.h"
+#include "zlibStream.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/formBody.h"
 
-#include "data/formDecoder.h"
+#include "formDecoder.h"
 
 #include <QRegularExpression>
 #include <QtTest>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/httpDatabase.h"
 
-#include "data/askDatabase.h"
+#include "askDatabase.h"
 
 #include <QtTest>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/httpDatabase.h"
 
-#include "data/askDatabase.h"
+#include "askDatabase.h"
 #include "data/benchXml.h"
-#include "data/zlibStream.h"
 #include "support/peakMemory.h"
+#include "zlibStream.h"
 
 #include <QtTest>
 

@@ -4,8 +4,8 @@
 #include "data/benchDataAccess.h"
 
 #include "data/benchXml.h"
-#include "data/formDecoder.h"
 #include "data/httpDatabase.h"
+#include "formDecoder.h"
 #include "support/dataDirectory.h"
 #include "support/fakeServer.h"
 #include "support/textLog.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/ranking.h"
 
-#include "data/randomRanking.h"
-#include "data/rankingModel.h"
+#include "randomRanking.h"
+#include "rankingModel.h"
 #include "support/rankedLists.h"
 
 #include <QtTest>

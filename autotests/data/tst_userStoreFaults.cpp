@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchDataAccess.h"
 
-#include "data/userStoreFixture.h"
 #include "support/dataDirectory.h"
+#include "userStoreFixture.h"
 
 #include <QtTest>
 

@@ -6,8 +6,8 @@
 #include "data/httpDatabase.h"
 #include "ui/mainwindow.h"
 
-#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
+#include "support/fakeClock.h"
 #include "support/fakeTest.h"
 #include "support/messageBoxes.h"
 #include "support/serverProcess.h"

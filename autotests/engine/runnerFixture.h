@@ -4,7 +4,7 @@
 #include "engine/benchBase.h"
 
 #include "engine/benchAndMeasure.h"
-#include "engine/fakeClock.h"
+#include "support/fakeClock.h"
 #include "support/fakeTest.h"
 #include "support/textLog.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/benchAndMeasure.h"
 
-#include "engine/fakeClock.h"
 #include "engine/stopwatch.h"
+#include "support/fakeClock.h"
 #include "support/fakeTest.h"
 
 #include <QtTest>

@@ -2,7 +2,7 @@
 #include "engine/benchBase.h"
 
 #include "engine/machineProbe.h"
-#include "engine/runnerFixture.h"
+#include "runnerFixture.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/benchBase.h"
 
-#include "engine/runnerFixture.h"
+#include "runnerFixture.h"
 
 #include <QtTest>
 

@@ -3,7 +3,7 @@
 
 #include "server/resultStore.h"
 
-#include "server/postgresServer.h"
+#include "postgresServer.h"
 #include "support/uploads.h"
 
 #include <QtTest>

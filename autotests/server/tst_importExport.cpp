@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/importExport.h"
 
-#include "server/storeFixture.h"
+#include "storeFixture.h"
 
 #include <QBuffer>
 #include <QtTest>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/resultStore.h"
 
-#include "server/storeFixture.h"
 #include "server/storeThreads.h"
+#include "storeFixture.h"
 
 #include <QtTest>
 

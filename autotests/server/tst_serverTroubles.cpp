@@ -5,7 +5,7 @@
 #include "data/benchXml.h"
 #include "data/httpDatabase.h"
 
-#include "server/postgresServer.h"
+#include "postgresServer.h"
 #include "support/serverProcess.h"
 #include "support/uploads.h"
 

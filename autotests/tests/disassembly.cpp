@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/disassembly.h"
+#include "disassembly.h"
 
 #include <QBitArray>
 #include <QHash>

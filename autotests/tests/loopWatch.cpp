@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/loopWatch.h"
+#include "loopWatch.h"
 
 #include <dlfcn.h>
 

@@ -2,10 +2,10 @@
 
 // Which work of a round of the packing workloads stands in which of its steps.
 
+#include "rounds.h"
 #include "tests/rle.h"
-#include "tests/rounds.h"
-#include "tests/tiles.h"
 #include "tests/zlib.h"
+#include "tiles.h"
 
 #include <QtTest>
 

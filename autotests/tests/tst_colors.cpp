@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/colors.h"
 
-#include "tests/rounds.h"
+#include "rounds.h"
 
 #include <QtTest>
 

@@ -4,7 +4,7 @@
 // must still be there after the optimiser, and nothing may have been vectorised. A compiler that
 // defeats this makes results incomparable, and this test red.
 
-#include "tests/disassembly.h"
+#include "disassembly.h"
 #include "tests/suiteFacts.h"
 
 #include <QFileInfo>

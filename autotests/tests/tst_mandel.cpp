@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/mandel.h"
 
+#include "rounds.h"
 #include "tests/knownFrames.h"
-#include "tests/rounds.h"
 
 #include <QtTest>
 

@@ -4,6 +4,7 @@
 // it or out of it makes results that cannot be compared, and the frames do not tell: they are the
 // same when the round is over.
 
+#include "rounds.h"
 #include "tests/colors.h"
 #include "tests/crc32.h"
 #include "tests/knownFrames.h"
@@ -11,12 +12,11 @@
 #include "tests/mandel.h"
 #include "tests/motionBlur.h"
 #include "tests/rotozoom.h"
-#include "tests/rounds.h"
 #include "tests/shellsort.h"
 #include "tests/suite.h"
 #include "tests/suiteFacts.h"
-#include "tests/tiles.h"
 #include "tests/vertex.h"
+#include "tiles.h"
 
 #include <QImage>
 #include <QtTest>

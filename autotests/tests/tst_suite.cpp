@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/suite.h"
 
+#include "rounds.h"
 #include "support/allocationWatch.h"
 #include "support/textLog.h"
-#include "tests/rounds.h"
 
 #include "tests/knownFrames.h"
 #include "tests/suiteFacts.h"

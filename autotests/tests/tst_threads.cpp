@@ -4,7 +4,7 @@
 // depends on how the work is shared out, and neither on how fast the machine is nor on what else it
 // does. Idle threads must not spin (OMP_WAIT_POLICY=passive), since that uses processor time too.
 
-#include "tests/loopWatch.h"
+#include "loopWatch.h"
 #include "tests/rotozoom.h"
 #include "tests/suite.h"
 #include "tests/suiteFacts.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/zlib.h"
 
-#include "tests/rounds.h"
-#include "tests/tiles.h"
+#include "rounds.h"
+#include "tiles.h"
 
 #include <QtEndian>
 #include <QtTest>

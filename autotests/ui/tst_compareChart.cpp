@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/compareFixture.h"
+#include "compareFixture.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

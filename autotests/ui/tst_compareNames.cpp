@@ -2,11 +2,11 @@
 
 // Names that strangers chose, in the compare window and in the text window.
 
+#include "accessWatch.h"
+#include "compareFixture.h"
 #include "engine/benchBase.h"
 #include "support/dataDirectory.h"
 #include "support/peakMemory.h"
-#include "ui/accessWatch.h"
-#include "ui/compareFixture.h"
 #include "ui/plainText.h"
 #include "ui/resultwindow.h"
 

@@ -2,7 +2,7 @@
 
 // The tool tip of a bar, with a mouse that moves and rests.
 
-#include "ui/compareFixture.h"
+#include "compareFixture.h"
 
 #include <QHelpEvent>
 #include <QToolTip>

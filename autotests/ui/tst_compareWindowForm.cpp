@@ -2,7 +2,7 @@
 
 // What the compare window is made of; what its controls do is tested beside it.
 
-#include "ui/compareFixture.h"
+#include "compareFixture.h"
 
 #include <QAction>
 #include <QGroupBox>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/displayWidget.h"
 
+#include "paintRecord.h"
 #include "support/fakeTest.h"
-#include "ui/paintRecord.h"
 
 #include <QPainter>
 #include <QtTest>

@@ -3,7 +3,7 @@
 #include "support/messageBoxes.h"
 #include "ui/compareWindow.h"
 #include "ui/resultwindow.h"
-#include "ui/windowFixture.h"
+#include "windowFixture.h"
 
 #include <QAction>
 #include <QCheckBox>

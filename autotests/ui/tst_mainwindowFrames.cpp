@@ -2,11 +2,11 @@
 
 // What the window shows, and when it gives a frame up.
 
-#include "engine/fakeClock.h"
+#include "guardedTest.h"
 #include "support/dataDirectory.h"
+#include "support/fakeClock.h"
 #include "support/messageBoxes.h"
-#include "ui/guardedTest.h"
-#include "ui/windowFixture.h"
+#include "windowFixture.h"
 
 #include <QCheckBox>
 #include <QtTest>

@@ -4,7 +4,7 @@
 
 #include "support/dataDirectory.h"
 #include "ui/logColumns.h"
-#include "ui/windowFixture.h"
+#include "windowFixture.h"
 
 #include <QAction>
 #include <QScrollBar>

@@ -3,7 +3,7 @@
 // Single tests again and again, and the stop between them.
 
 #include "support/dataDirectory.h"
-#include "ui/windowFixture.h"
+#include "windowFixture.h"
 
 #include <QElapsedTimer>
 #include <QtTest>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engine/fakeClock.h"
 #include "support/dataDirectory.h"
+#include "support/fakeClock.h"
 #include "support/messageBoxes.h"
 #include "ui/compareWindow.h"
 #include "ui/resultwindow.h"
-#include "ui/windowFixture.h"
+#include "windowFixture.h"
 
 #include <QCheckBox>
 #include <QComboBox>
