@@ -45,7 +45,7 @@ processorInfo readProcessorInfo(const std::filesystem::path &)
                       KEY_READ, &key)
         != ERROR_SUCCESS)
         return {};
-    const processorInfo info{readName(key), readMegahertz(key)};
+    processorInfo info{readName(key), readMegahertz(key)};
     RegCloseKey(key);
     return info;
 }

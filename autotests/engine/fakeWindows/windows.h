@@ -18,7 +18,7 @@ constexpr LONG ERROR_SUCCESS = 0;
 constexpr LONG ERROR_FILE_NOT_FOUND = 2;
 constexpr DWORD KEY_READ = 0x20019;
 constexpr unsigned CP_UTF8 = 65001;
-inline const HKEY HKEY_LOCAL_MACHINE = reinterpret_cast<HKEY>(1);
+inline fakeKey *const HKEY_LOCAL_MACHINE = reinterpret_cast<HKEY>(1);
 
 struct fakeRegistry {
     bool hasKey = true;
