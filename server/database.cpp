@@ -146,10 +146,10 @@ outcome<void> database::beginWriting()
     const auto done = [](const QSqlQuery &) {};
     if (isSqlite())
         return execute(QStringLiteral("BEGIN IMMEDIATE")).map(done);
-    const outcome<void> begun = execute(QStringLiteral("BEGIN")).map(done);
+    outcome<void> begun = execute(QStringLiteral("BEGIN")).map(done);
     if (!begun)
         return begun;
-    const outcome<void> isAlone =
+    outcome<void> isAlone =
         execute(QStringLiteral("SELECT pg_advisory_xact_lock(?)"), {writersLock}).map(done);
     if (!isAlone)
         rollback();

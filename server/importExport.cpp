@@ -161,7 +161,7 @@ outcome<void> exportTo(resultStore &store, QIODevice &device)
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
     xml.writeStartElement(exportName);
-    const outcome<void> done =
+    outcome<void> done =
         store.forEachUpload([&xml](const storedUpload &upload) { writeUpload(xml, upload); })
             .and_then([&] {
                 return store.forEachList([&xml](const storedList &list) { writeList(xml, list); });

@@ -87,7 +87,7 @@ outcome<void> resultStore::open()
 {
     if (db.isOpen())
         return {};
-    const outcome<void> done =
+    outcome<void> done =
         db.open().and_then([this] { return write<void>([this] { return createTables(); }); });
     if (!done)
         db.close();

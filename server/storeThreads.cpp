@@ -17,7 +17,7 @@ constexpr auto timeOut = std::chrono::seconds(15);
 outcome<void> addTo(resultStore &store, const QVector<storedUpload> &uploads)
 {
     const auto add = [&] { return store.open().and_then([&] { return store.add(uploads); }); };
-    const outcome<void> done = add();
+    outcome<void> done = add();
     if (done)
         return done;
     writeLog(QStringLiteral("storing again after: %1").arg(done.error()));
