@@ -59,14 +59,18 @@ qint64 population(const colourBox &box)
     return sum;
 }
 
+/// Black for an empty box.
 channels mean(const colourBox &box)
 {
     channels result = {};
+    const qint64 count = population(box);
+    if (count == 0)
+        return result;
     for (std::size_t k = 0; k < 3; ++k) {
         qint64 sum = 0;
         for (const countedColour &c : box)
             sum += c.value[k] * c.count;
-        result[k] = artwork::roundedQuotient(sum, population(box));
+        result[k] = artwork::roundedQuotient(sum, count);
     }
     return result;
 }
