@@ -112,10 +112,11 @@ std::vector<float> runClient(load &work)
     std::vector<float> times;
     int handle = connected(work.port);
     while (work.mayGoOn()) {
-        if (work.kind == "upload")
+        if (work.kind == "upload") {
             text = request(formBody({{"app", "Fennick"},
                                      {"type", "storeUserData"},
                                      {"results", results(work.firstUpload + ++uploads)}}));
+        }
         const auto start = clockType::now();
         if (handle < 0)
             handle = connected(work.port);
@@ -172,6 +173,7 @@ int main(int argc, char **argv)
                                         / std::chrono::seconds(1) % 1000 * 1'000'000);
 
     std::vector<std::thread> slowOnes;
+    slowOnes.reserve(static_cast<std::size_t>(slow));
     for (int i = 0; i < slow; ++i)
         slowOnes.emplace_back([&work] { dawdle(work); });
     if (slow > 0)
@@ -183,6 +185,7 @@ int main(int argc, char **argv)
                    std::chrono::duration<double>(work.seconds));
     std::vector<std::vector<float>> perClient(static_cast<std::size_t>(connections));
     std::vector<std::thread> clients;
+    clients.reserve(perClient.size());
     for (std::vector<float> &own : perClient)
         clients.emplace_back([&work, &own] { own = runClient(work); });
     for (std::thread &client : clients)

@@ -20,9 +20,9 @@ void renderColorsRow(std::uint32_t *row, int width, int y, const glows &shared, 
 {
     const glows light = shared;
     const float full = light.intensity;
-    float fy = float(y);
+    auto fy = float(y);
     for (int x = 0; x < width; ++x) {
-        const float fx = float(x);
+        const auto fx = float(x);
         if constexpr (isKept)
             fy += zero;
         const float dx0 = light.x[0] - fx;
@@ -56,7 +56,7 @@ void standaloneColors(std::uint32_t *frame, int width, int height, float &time, 
     time += 0.04F;
     glows light = {};
     for (int i = 0; i < 4; ++i) {
-        const double turn = double(time + float(i) * 1.57075F);
+        const auto turn = double(time + float(i) * 1.57075F);
         light.x[i] = float(width) * (1.0F / 3.0F) * float(std::sin(turn)) + float(width) * 0.5F;
         light.y[i] = float(height) * (1.0F / 3.0F) * float(std::cos(turn)) + float(height) * 0.5F;
     }

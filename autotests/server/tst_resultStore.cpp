@@ -207,8 +207,10 @@ void tst_resultStore::threads()
     {
         storeThreads store(fixture->address(), 2);
         std::atomic<int> stored = 0;
+        constexpr int clients = 8;
         std::vector<std::thread> writers;
-        for (int client = 0; client < 8; ++client) {
+        writers.reserve(clients);
+        for (int client = 0; client < clients; ++client) {
             writers.emplace_back([&store, &stored, client] {
                 for (int i = 0; i < 25; ++i) {
                     stored += store.add(numbered(client * 25 + i + 1)) ? 1 : 0;

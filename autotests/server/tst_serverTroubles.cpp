@@ -298,6 +298,7 @@ void tst_serverTroubles::killedUnderLoad()
         QVERIFY(server.isListening());
         std::vector<std::vector<int>> perClient(clients);
         std::vector<std::thread> threads;
+        threads.reserve(clients);
         std::atomic<int> count = 0;
         for (int client = 0; client < clients; ++client) {
             threads.emplace_back([&, client] {
