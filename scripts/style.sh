@@ -7,14 +7,14 @@
 #   --all  clang-tidy looks at all sources, which takes long
 #   BASE   clang-tidy looks at what differs from this commit: HEAD for what is not committed yet
 # Without either, clang-tidy looks at what has changed since the branch left main; on main itself, since
-# 20 commits ago; and at all sources where history does not go back so far.
+# 5 commits ago; and at all sources where history does not go back so far.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/setup.sh
 
 build=build/test
-commits=20
+commits=5
 
 # Versions disagree on a few lines and rules; where those of Debian 12 are installed, they decide.
 export clang_format=clang-format clang_tidy=clang-tidy
