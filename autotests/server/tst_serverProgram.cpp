@@ -177,10 +177,10 @@ void tst_serverProgram::publishedListIsServed()
 {
     const QString database = sqlite();
     const serverProcess server(database);
-    for (const char *result : {"10", "30", "20"})
-        QCOMPARE(
-            statusOf(rawClient(server.port).post(uploadForm(uploadXml("x", "New CPU", result)))),
-            200);
+    for (const char *result : {"10", "30", "20"}) {
+        const QByteArray xml = uploadXml("x", "New CPU", result);
+        QCOMPARE(statusOf(rawClient(server.port).post(uploadForm(xml))), 200);
+    }
     const auto published =
         serverProcess::run({QStringLiteral("publish"), QStringLiteral("--database"), database});
     QCOMPARE(published.code, 0);

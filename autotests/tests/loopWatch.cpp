@@ -77,7 +77,8 @@ FENNICK_WATCH_REGION(GOMP_parallel_loop_nonmonotonic_dynamic, loopWatch::dynamic
 FENNICK_WATCH_REGION(GOMP_parallel_loop_guided, loopWatch::other)
 FENNICK_WATCH_REGION(GOMP_parallel_loop_nonmonotonic_guided, loopWatch::other)
 
-// What clang++ calls, for loops that count an int.
+// What clang++ calls, for loops that count an int. The names are those of its library.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 
 extern "C" void __kmpc_dispatch_init_4(void *place, std::int32_t thread, std::int32_t number,
                                        std::int32_t first, std::int32_t last, std::int32_t step,
@@ -97,3 +98,5 @@ extern "C" void __kmpc_for_static_init_4(void *place, std::int32_t thread, std::
     next("__kmpc_for_static_init_4", __kmpc_for_static_init_4)(place, thread, number, isLast, first,
                                                                last, stride, step, chunk);
 }
+
+// NOLINTEND(bugprone-reserved-identifier)

@@ -129,7 +129,7 @@ void tst_referenceList::madeAgain()
 {
     const auto computed = machineList(facts);
     QVERIFY2(computed, qPrintable(computed ? QString() : computed.error()));
-    const QByteArray made = *computed;
+    const QByteArray &made = *computed;
     const QList<QByteArray> madeLines = made.split('\n');
     const QList<QByteArray> lines = embedded.split('\n');
     for (int i = 0; i < std::min(madeLines.size(), lines.size()); ++i)
