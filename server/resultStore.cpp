@@ -153,6 +153,11 @@ outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
     return write<void>([&] { return insert(uploads); });
 }
 
+outcome<void> resultStore::checkWritable()
+{
+    return write<void>([] { return outcome<void>(); });
+}
+
 outcome<int> resultStore::newestVersion()
 {
     auto found = db.execute(QStringLiteral("SELECT max(version) FROM lists"));

@@ -36,6 +36,8 @@ public:
 
     /// Adds those of @p uploads whose content is not there yet, all or none. Durable on return.
     outcome<void> add(const QVector<storedUpload> &uploads);
+    /// Whether an upload could be stored now; it leaves nothing.
+    outcome<void> checkWritable();
     /// The number of the newest list, or that of the built-in one.
     outcome<int> newestVersion();
     /// The newest list, or one with version 0 if none has been published.
