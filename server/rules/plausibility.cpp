@@ -4,15 +4,12 @@
 #include "data/builtInList.h"
 #include "tests/suiteFacts.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace
 {
-
-double resultOf(const benchResults &machine, const QString &test)
-{
-    return static_cast<double>(machine.getTests().value(test).value);
-}
 
 QString text(double number)
 {
@@ -43,7 +40,7 @@ plausibility::plausibility(const QVector<benchResults> &knownMachines)
     for (const benchResults &machine : knownMachines)
         fastestClock = std::max(fastestClock, machine.getFrequency());
     for (const benchResults &machine : knownMachines)
-        learn(machine);
+        learn(resultsOf(machine));
 }
 
 const plausibility &plausibility::ofBuiltInList()
@@ -54,102 +51,111 @@ const plausibility &plausibility::ofBuiltInList()
 
 void plausibility::addTests()
 {
+    QHash<const workloadFacts *, int> singleCores;
     for (const testFacts &test : suiteFacts()) {
         if (!test.isInFullRuns())
             continue;
-        knownTest known{QString::fromUtf8(test.name), test.isMulticore(), {}};
-        for (const testFacts &other : suiteFacts()) {
-            if (test.isMulticore() && !other.isMulticore() && &other.workload == &test.workload)
-                known.singleCore = QString::fromUtf8(other.name);
-        }
-        tests.append(known);
+        if (!test.isMulticore())
+            singleCores.insert(&test.workload, tests.size());
+        tests.append({QString::fromUtf8(test.name), test.isMulticore(),
+                      test.isMulticore() ? singleCores.value(&test.workload, -1) : -1});
     }
 }
 
 void plausibility::addRatios()
 {
-    for (auto first = tests.begin(); first != tests.end(); ++first) {
-        for (auto second = first + 1; second != tests.end(); ++second) {
-            if (first->isMulticore == second->isMulticore)
-                ratios.append({first->name, second->name});
+    for (int first = 0; first < tests.size(); ++first) {
+        for (int second = first + 1; second < tests.size(); ++second) {
+            if (tests.at(first).isMulticore == tests.at(second).isMulticore)
+                ratios.append({first, second});
         }
     }
 }
 
-void plausibility::learn(const benchResults &machine)
+void plausibility::learn(const measured &machine)
 {
-    for (knownTest &test : tests)
-        test.bestPerClock = std::max(test.bestPerClock, perClock(machine, test));
+    constexpr auto factor = static_cast<double>(ratioFactor);
+    for (int i = 0; i < tests.size(); ++i) {
+        knownTest &test = tests[i];
+        test.bestPerClock = std::max(test.bestPerClock, machine.perClock(i, test.isMulticore));
+    }
     for (knownRatio &ratio : ratios) {
-        const double first = resultOf(machine, ratio.first);
-        const double second = resultOf(machine, ratio.second);
-        if (!(first > 0 && second > 0))
-            continue;
-        ratio.least = std::min(ratio.least, first / second / static_cast<double>(ratioFactor));
-        ratio.most = std::max(ratio.most, first / second * static_cast<double>(ratioFactor));
+        const double first = machine.results.at(ratio.first);
+        const double second = machine.results.at(ratio.second);
+        if (first > 0 && second > 0) {
+            ratio.least = std::min(ratio.least, first / second / factor);
+            ratio.most = std::max(ratio.most, first / second * factor);
+        }
     }
 }
 
-/// By GHz, and by thread where all cores work. An unknown clock, and one above the list's fastest,
-/// counts as the latter: otherwise a made-up clock would make any result plausible.
-double plausibility::perClock(const benchResults &machine, const knownTest &test) const
+/// An unknown clock, and one above the list's fastest, counts as the latter: otherwise a made-up
+/// clock would make any result plausible.
+plausibility::measured plausibility::resultsOf(const benchResults &machine) const
 {
-    const float own = machine.getFrequency();
-    const float clock = own > 0 ? std::min(own, fastestClock) : fastestClock;
-    const int threads = test.isMulticore ? std::max(machine.getThreads(), 1) : 1;
-    return resultOf(machine, test.name) / static_cast<double>(clock) * 1e9 / threads;
+    measured found;
+    const float clock = machine.getFrequency();
+    found.clock =
+        static_cast<double>(clock > 0 ? std::min(clock, fastestClock) : fastestClock) * 1e-9;
+    found.threads = std::max(machine.getThreads(), 1);
+    for (const knownTest &test : tests)
+        found.results.append(static_cast<double>(machine.getTests().value(test.name).value));
+    return found;
 }
 
-outcome<void> plausibility::checkPerClock(const benchResults &machine, const knownTest &test) const
+outcome<void> plausibility::checkPerClock(const measured &machine, int test) const
 {
-    const double found = perClock(machine, test);
-    const double most = static_cast<double>(perClockFactor) * test.bestPerClock;
-    if (!(found > most))
+    const knownTest &known = tests.at(test);
+    const double found = machine.perClock(test, known.isMulticore);
+    const double most = static_cast<double>(perClockFactor) * known.bestPerClock;
+    if (found <= most)
         return {};
     return failure(QStringLiteral("'%1' is %2 per GHz%3, more than any processor's %4")
-                       .arg(test.name, text(found),
-                            test.isMulticore ? QStringLiteral(" and thread") : QString(),
+                       .arg(known.name, text(found),
+                            known.isMulticore ? QStringLiteral(" and thread") : QString(),
                             text(most)));
 }
 
-outcome<void> plausibility::checkScaling(const benchResults &machine, const knownTest &test)
+outcome<void> plausibility::checkScaling(const measured &machine, int test) const
 {
-    const double all = resultOf(machine, test.name);
-    const double one = resultOf(machine, test.singleCore);
+    const knownTest &known = tests.at(test);
+    const double one = known.singleCore < 0 ? 0 : machine.results.at(known.singleCore);
+    const double all = machine.results.at(test);
     if (!(all > 0 && one > 0))
         return {};
-    const double most = static_cast<double>(scalingFactor) * machine.getThreads();
+    const double most = static_cast<double>(scalingFactor) * machine.threads;
     const double found = all / one;
     if (found >= static_cast<double>(leastScaling) && found <= most)
         return {};
-    return failure(
-        QStringLiteral("'%1' is %2 times '%3', which %4 thread(s) cannot be")
-            .arg(test.name, text(found), test.singleCore, QString::number(machine.getThreads())));
+    return failure(QStringLiteral("'%1' is %2 times '%3', which %4 thread(s) cannot be")
+                       .arg(known.name, text(found), tests.at(known.singleCore).name,
+                            QString::number(machine.threads)));
 }
 
-outcome<void> plausibility::checkRatio(const benchResults &machine, const knownRatio &ratio)
+outcome<void> plausibility::checkRatio(const measured &machine, const knownRatio &ratio) const
 {
-    const double first = resultOf(machine, ratio.first);
-    const double second = resultOf(machine, ratio.second);
+    const double first = machine.results.at(ratio.first);
+    const double second = machine.results.at(ratio.second);
     if (!(first > 0 && second > 0) || ratio.most <= 0)
         return {};
     const double found = first / second;
     if (found >= ratio.least && found <= ratio.most)
         return {};
-    return failure(
-        QStringLiteral("'%1' is %2 times '%3', which must be from %4 to %5")
-            .arg(ratio.first, text(found), ratio.second, text(ratio.least), text(ratio.most)));
+    return failure(QStringLiteral("'%1' is %2 times '%3', which must be from %4 to %5")
+                       .arg(tests.at(ratio.first).name, text(found), tests.at(ratio.second).name,
+                            text(ratio.least), text(ratio.most)));
 }
 
 outcome<void> plausibility::check(const benchResults &machine) const
 {
+    const measured found = resultsOf(machine);
     outcome<void> done;
-    for (const knownTest &test : tests) {
-        done = done.and_then([&] { return checkPerClock(machine, test); });
-        if (test.isMulticore)
-            done = done.and_then([&] { return checkScaling(machine, test); });
+    for (int test = 0; test < tests.size(); ++test) {
+        done = done.and_then([&] { return checkPerClock(found, test); }).and_then([&] {
+            return checkScaling(found, test);
+        });
     }
     for (const knownRatio &ratio : ratios)
-        done = done.and_then([&] { return checkRatio(machine, ratio); });
+        done = done.and_then([&] { return checkRatio(found, ratio); });
     return done;
 }

@@ -44,27 +44,38 @@ private:
     struct knownTest {
         QString name;
         bool isMulticore = false;
-        QString singleCore; ///< the same work on one core; empty for a single-core test
+        int singleCore = -1; ///< the same work on one core; -1 for a single-core test
         double bestPerClock = 0;
     };
     /// Two tests that use as many cores, and the bounds of the first one's share of the other.
     struct knownRatio {
-        QString first;
-        QString second;
+        int first = 0;
+        int second = 0;
         double least = std::numeric_limits<double>::infinity();
         double most = 0;
+    };
+    /// A machine with its results in the order of the tests.
+    struct measured {
+        double clock = 0; ///< in GHz
+        int threads = 1;
+        QVector<double> results;
+
+        double perClock(int test, bool isMulticore) const
+        {
+            return results.at(test) / clock / (isMulticore ? threads : 1);
+        }
     };
 
     void addTests();
     void addRatios();
-    void learn(const benchResults &machine);
-    double perClock(const benchResults &machine, const knownTest &test) const;
+    void learn(const measured &machine);
+    measured resultsOf(const benchResults &machine) const;
 
-    outcome<void> checkPerClock(const benchResults &machine, const knownTest &test) const;
-    static outcome<void> checkScaling(const benchResults &machine, const knownTest &test);
-    static outcome<void> checkRatio(const benchResults &machine, const knownRatio &ratio);
+    outcome<void> checkPerClock(const measured &machine, int test) const;
+    outcome<void> checkScaling(const measured &machine, int test) const;
+    outcome<void> checkRatio(const measured &machine, const knownRatio &ratio) const;
 
     QVector<knownTest> tests;
     QVector<knownRatio> ratios;
-    float fastestClock = 0;
+    float fastestClock = 1;
 };
