@@ -37,6 +37,21 @@ public:
             beginPostgres();
         }
     }
+    /// The same with the results that the first released server stored: published ones, one with
+    /// nothing but zeros, one of an unknown processor, withdrawn ones, and one after publishing. @p
+    /// files is the folder with them.
+    void beginWithSchema1(const QString &folder)
+    {
+        if (QByteArray(QTest::currentDataTag()) == "PostgreSQL") {
+            place = postgres.newDatabase(folder + QStringLiteral("/results.sql"));
+            return;
+        }
+        begin();
+        const QString file = address().name;
+        QDir().mkpath(QFileInfo(file).path());
+        QFile::copy(folder + QStringLiteral("/results.sqlite"), file);
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    }
     void beginPostgres() { place = postgres.newDatabase(); }
 
     databaseAddress address() const { return *parseDatabaseAddress(place); }
