@@ -80,7 +80,11 @@ exitCode runFull(const commandLine &command, benchBase &runner)
                                 .arg(runner.getFailedTests()))
                    : exitFailure;
     }
-    return !command.isUpload || runner.uploadResults() ? exitSuccess : exitFailure;
+    if (!command.isUpload || runner.uploadResults())
+        return exitSuccess;
+    const QString refusal = runner.getUploadRefusal();
+    return refusal.isEmpty() ? exitFailure
+                             : failed(QStringLiteral("the upload was refused: %1").arg(refusal));
 }
 
 } // namespace

@@ -49,6 +49,9 @@ public:
     void removeUserData();
     /// Sends what was stored, which may be nothing. False if the database did not accept it.
     bool uploadResults();
+    /// In what words the database refused them, as one line; empty if it did not, or gave no
+    /// reason. They are not printed.
+    QString getUploadRefusal() const { return online->refusal(); }
 
     /// Opens @p device and appends the machines of its XML. Nothing happens if it cannot be opened,
     /// which is a fault.

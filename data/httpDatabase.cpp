@@ -63,6 +63,19 @@ private:
     qint64 readSoFar = 0;
 };
 
+/// The words of a server that answers with an error, as one line that a terminal can show.
+QString wordsOf(QNetworkReply &answer)
+{
+    constexpr qint64 longest = 1000;
+    const QString kind = answer.header(QNetworkRequest::ContentTypeHeader).toString();
+    if (!kind.startsWith(QLatin1String("text/plain"), Qt::CaseInsensitive))
+        return {};
+    QString words = QString::fromUtf8(answer.read(longest)).simplified();
+    std::replace_if(
+        words.begin(), words.end(), [](QChar c) { return !c.isPrint(); }, QLatin1Char('?'));
+    return words;
+}
+
 QNetworkRequest formRequest(const QString &endpoint)
 {
     QNetworkRequest request{QUrl(endpoint)};
@@ -99,6 +112,7 @@ bool httpDatabase::isHost(const QString &text)
 
 bool httpDatabase::request(int requested, QByteArray &data)
 {
+    refused.clear();
     const std::optional<QByteArray> type = typeOf(requested);
     if (!type)
         return false;
@@ -143,7 +157,9 @@ std::optional<QByteArray> httpDatabase::post(const QByteArray &body, int timeOut
     });
     loop.exec(QEventLoop::ExcludeUserInputEvents);
 
-    if (answer->error() != QNetworkReply::NoError)
+    if (answer->error() != QNetworkReply::NoError) {
+        refused = wordsOf(*answer);
         return std::nullopt;
+    }
     return answer->readAll();
 }

@@ -34,6 +34,8 @@ public:
     static bool isHost(const QString &text);
 
     bool request(int requested, QByteArray &data) override;
+    /// Of a server whose answer is plain text; a page for a browser is no reason.
+    QString refusal() const override { return refused; }
 
 private:
     /// The reply; nothing after an error, or if it is too long. A time-out is no error: the reply
@@ -42,6 +44,7 @@ private:
 
     QString endpoint;
     timeOuts limit;
+    QString refused;
     /// Lives longer than a request: to end its thread takes a wait where a server never finishes
     /// its header.
     std::unique_ptr<QNetworkAccessManager> network;

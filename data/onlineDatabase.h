@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 /// The way to the online result database. Each request is answered before it returns.
 class onlineDatabase
@@ -17,6 +18,9 @@ public:
     /// False if the database did not answer, or not in a way that makes sense; @p data is then
     /// of no use.
     virtual bool request(int requested, QByteArray &data) = 0;
+    /// In what words the database refused the latest request: one line for a person. Empty if it
+    /// did not, or gave no reason.
+    virtual QString refusal() const { return {}; }
     virtual ~onlineDatabase() = default;
 };
 

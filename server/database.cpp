@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/database.h"
 
-#include <QDir>
+#include "server/privateFile.h"
+
 #include <QFileInfo>
 #include <QSqlError>
 #include <QUrl>
-#include <QUrlQuery>
 
+#include <algorithm>
 #include <atomic>
 
 namespace
@@ -32,39 +33,30 @@ outcome<void> outcomeOf(const QSqlQuery &query, bool isDone)
     return isDone ? outcome<void>() : failureOf(query.lastError());
 }
 
-} // namespace
-
-std::optional<databaseAddress> parseDatabaseAddress(const QString &text)
+/// A text that is null would be stored as NULL, which no column takes.
+QVariant notNull(const QVariant &value)
 {
-    const QString filePrefix = QStringLiteral("sqlite:");
-    databaseAddress address;
-    if (text.startsWith(filePrefix)) {
-        address.name = text.mid(filePrefix.size());
-        return address.name.isEmpty() ? std::nullopt : std::make_optional(address);
-    }
-    const QUrl url(text);
-    if (!url.isValid()
-        || (url.scheme() != QLatin1String("postgresql")
-            && url.scheme() != QLatin1String("postgres")))
-        return std::nullopt;
-    address.product = databaseAddress::postgresql;
-    address.name = url.path().mid(1);
-    address.host = url.host();
-    address.port = url.port();
-    address.user = url.userName();
-    address.password = url.password();
-    QStringList options(QStringLiteral("connect_timeout=5"));
-    for (const auto &[key, value] : QUrlQuery(url).queryItems(QUrl::FullyDecoded)) {
-        if (key == QLatin1String("host"))
-            address.host = value;
-        else
-            options.append(key + QLatin1Char('=') + value);
-    }
-    address.options = options.join(QLatin1Char(';'));
-    return address.name.isEmpty() ? std::nullopt : std::make_optional(address);
+    return value.type() == QVariant::String && value.toString().isNull() ? QStringLiteral("")
+                                                                         : value;
 }
 
-database::database(const databaseAddress &place) : address(place), connectionName(uniqueName()) {}
+/// The limits that @p address leaves to the connection's purpose are filled in.
+databaseAddress withLimits(databaseAddress address, databaseUse purpose)
+{
+    const bool isServing = purpose == databaseUse::serving;
+    address.lockTimeout = address.lockTimeout.value_or(isServing ? 5'000 : 30'000);
+    address.statementTimeout = address.statementTimeout.value_or(isServing ? 5'000 : 0);
+    return address;
+}
+
+} // namespace
+
+database::database(const databaseAddress &place, databaseUse wanted)
+    : address(withLimits(place, wanted)),
+      purpose(wanted),
+      connectionName(uniqueName())
+{
+}
 
 database::~database()
 {
@@ -80,40 +72,69 @@ outcome<void> database::open()
 {
     if (isOpen())
         return {};
-    outcome<void> done;
-    {
-        QSqlDatabase connection = QSqlDatabase::addDatabase(
-            isSqlite() ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL"), connectionName);
-        connection.setDatabaseName(address.name);
-        if (isSqlite()) {
-            QDir().mkpath(QFileInfo(address.name).absolutePath());
-            connection.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=20000"));
-        } else {
-            connection.setHostName(address.host);
-            connection.setPort(address.port);
-            connection.setUserName(address.user);
-            connection.setPassword(address.password);
-            connection.setConnectOptions(address.options);
-        }
-        if (connection.open())
-            configure();
-        else
-            done = failureOf(connection.lastError());
+    if (isSqlite() && purpose != databaseUse::reading) {
+        if (const outcome<void> isThere = makePrivateFile(address.name); !isThere)
+            return isThere;
     }
+    const outcome<void> done =
+        connect(QSqlDatabase::addDatabase(isSqlite() ? QStringLiteral("QSQLITE")
+                                                     : QStringLiteral("QPSQL"),
+                                          connectionName))
+            .and_then([this] { return configure(); });
     if (!done)
-        close(); // not before the connection has gone out of scope
+        close();
     return done;
 }
 
-void database::configure()
+outcome<void> database::connect(QSqlDatabase connection)
 {
-    if (!isSqlite()) { // no notices about tables that exist already
-        execute(QStringLiteral("SET client_min_messages = warning"));
-        return;
+    connection.setDatabaseName(address.name);
+    if (isSqlite()) {
+        QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(*address.lockTimeout);
+        if (purpose == databaseUse::reading) {
+            const QString path = QFileInfo(address.name).absoluteFilePath();
+            if (!QFileInfo::exists(path))
+                return failure(QStringLiteral("there is no file '%1'").arg(address.name));
+            // Without this mode the library makes a file that has gone meanwhile.
+            connection.setDatabaseName(
+                QStringLiteral("file:%1?mode=rw")
+                    .arg(QString::fromLatin1(QUrl::toPercentEncoding(path, QByteArray("/")))));
+            options += QStringLiteral(";QSQLITE_OPEN_URI");
+        }
+        connection.setConnectOptions(options);
+    } else {
+        connection.setHostName(address.host);
+        connection.setPort(address.port);
+        connection.setUserName(address.user);
+        connection.setPassword(address.password);
+        connection.setConnectOptions(address.options);
     }
-    // Readers need not wait for a writer, and what is committed is on the disk.
-    execute(QStringLiteral("PRAGMA journal_mode = WAL"));
-    execute(QStringLiteral("PRAGMA synchronous = FULL"));
+    return connection.open() ? outcome<void>() : failureOf(connection.lastError());
+}
+
+outcome<void> database::configure()
+{
+    QStringList settings;
+    if (isSqlite()) {
+        // Readers need not wait for a writer, and what is committed is on the disk.
+        settings = purpose == databaseUse::reading
+                       ? QStringList(QStringLiteral("PRAGMA query_only = 1"))
+                       : QStringList({QStringLiteral("PRAGMA journal_mode = WAL"),
+                                      QStringLiteral("PRAGMA synchronous = FULL")});
+    } else {
+        settings = QStringList({
+            QStringLiteral("SET lock_timeout = %1").arg(*address.lockTimeout),
+            QStringLiteral("SET statement_timeout = %1").arg(*address.statementTimeout),
+            // A process that is stopped in the middle must not keep others from writing for ever.
+            QStringLiteral("SET idle_in_transaction_session_timeout = 60000"),
+        });
+        if (purpose == databaseUse::reading)
+            settings.append(QStringLiteral("SET default_transaction_read_only = on"));
+    }
+    outcome<void> done;
+    for (const QString &setting : settings)
+        done = done.and_then([&] { return change(setting); });
+    return done;
 }
 
 outcome<QSqlQuery> database::execute(const QString &sql, const QVariantList &values)
@@ -123,10 +144,35 @@ outcome<QSqlQuery> database::execute(const QString &sql, const QVariantList &val
     bool isDone = values.isEmpty() ? query.exec(sql) : query.prepare(sql);
     if (isDone && !values.isEmpty()) {
         for (const QVariant &value : values)
-            query.addBindValue(value);
+            query.addBindValue(notNull(value));
         isDone = query.exec();
     }
     return outcomeOf(query, isDone).map([&query] { return query; });
+}
+
+outcome<void> database::change(const QString &sql, const QVariantList &values)
+{
+    return execute(sql, values).map([](const QSqlQuery &) {});
+}
+
+outcome<void> database::read(const QString &sql, const QVariantList &values,
+                             const std::function<void(const QSqlQuery &)> &take)
+{
+    auto found = execute(sql, values);
+    if (!found)
+        return failure(found.error());
+    while (found->next())
+        take(*found);
+    // The end of the rows and an error in the middle look alike to next().
+    return outcomeOf(*found, found->lastError().type() == QSqlError::NoError);
+}
+
+outcome<qint64> database::number(const QString &sql, const QVariantList &values)
+{
+    outcome<qint64> found = failure(QStringLiteral("the database has given no row"));
+    const outcome<void> done =
+        read(sql, values, [&found](const QSqlQuery &row) { found = row.value(0).toLongLong(); });
+    return done.and_then([&found] { return found; });
 }
 
 outcome<void> database::executeForEach(const QString &sql, const QVector<QVariantList> &columns)
@@ -134,8 +180,10 @@ outcome<void> database::executeForEach(const QString &sql, const QVector<QVarian
     QSqlQuery query(QSqlDatabase::database(connectionName, false));
     bool isDone = query.prepare(sql);
     if (isDone) {
-        for (const QVariantList &column : columns)
+        for (QVariantList column : columns) {
+            std::transform(column.begin(), column.end(), column.begin(), notNull);
             query.addBindValue(column);
+        }
         isDone = query.execBatch();
     }
     return outcomeOf(query, isDone);
@@ -143,25 +191,20 @@ outcome<void> database::executeForEach(const QString &sql, const QVector<QVarian
 
 outcome<void> database::beginWriting()
 {
-    const auto done = [](const QSqlQuery &) {};
     if (isSqlite())
-        return execute(QStringLiteral("BEGIN IMMEDIATE")).map(done);
-    outcome<void> begun = execute(QStringLiteral("BEGIN")).map(done);
+        return change(QStringLiteral("BEGIN IMMEDIATE"));
+    const outcome<void> begun = change(QStringLiteral("BEGIN"));
     if (!begun)
         return begun;
-    outcome<void> isAlone =
-        execute(QStringLiteral("SELECT pg_advisory_xact_lock(?)"), {writersLock}).map(done);
+    const outcome<void> isAlone =
+        change(QStringLiteral("SELECT pg_advisory_xact_lock(?)"), {writersLock});
     if (!isAlone)
-        rollback();
+        execute(QStringLiteral("ROLLBACK"));
     return isAlone;
 }
 
-outcome<void> database::commit()
+outcome<void> database::beginSnapshot()
 {
-    return execute(QStringLiteral("COMMIT")).map([](const QSqlQuery &) {});
-}
-
-void database::rollback()
-{
-    execute(QStringLiteral("ROLLBACK"));
+    return change(isSqlite() ? QStringLiteral("BEGIN")
+                             : QStringLiteral("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"));
 }

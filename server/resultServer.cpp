@@ -3,6 +3,7 @@
 
 #include "server/formItems.h"
 #include "server/log.h"
+#include "server/rules/sourceToken.h"
 #include "server/uploadCheck.h"
 
 #include <boost/asio/post.hpp>
@@ -181,9 +182,10 @@ void resultServer::upload(const QByteArray &xml, const ipAddress &client, const 
         reply(tooMany(uploadLimit, QStringLiteral("too many uploads; please try again later")));
         return;
     }
-    store.add(makeUpload(*machine, QDateTime::currentMSecsSinceEpoch()), [reply](bool isStored) {
-        reply(isStored ? textAnswer(200, QStringLiteral("thank you")) : unavailable());
-    });
+    store.add(makeUpload(*machine, QDateTime::currentMSecsSinceEpoch()),
+              networkOf(QString::fromStdString(client.to_string())), [reply](bool isStored) {
+                  reply(isStored ? textAnswer(200, QStringLiteral("thank you")) : unavailable());
+              });
 }
 
 void resultServer::health(bool isForWriting, const replier &reply)

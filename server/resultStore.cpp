@@ -1,40 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/resultStore.h"
 
+#include "server/schema.h"
+
 #include <algorithm>
 
 namespace
 {
 
-constexpr int schemaVersion = 1;
-
-/// The tables. The two products differ in the words for some types.
-QStringList tables(bool isSqlite)
-{
-    const QString number = isSqlite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")
-                                    : QStringLiteral("BIGSERIAL PRIMARY KEY");
-    const QString bytes = isSqlite ? QStringLiteral("BLOB") : QStringLiteral("BYTEA");
-    return {
-        QStringLiteral("CREATE TABLE IF NOT EXISTS schema_version (version INTEGER NOT NULL)"),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS uploads ("
-                       " id %1,"
-                       " hash TEXT NOT NULL UNIQUE,"
-                       " received BIGINT NOT NULL,"
-                       " state TEXT NOT NULL"
-                       "  CHECK (state IN ('received', 'published', 'withdrawn')),"
-                       " reason TEXT NOT NULL,"
-                       " content TEXT NOT NULL,"
-                       " is_empty INTEGER NOT NULL)")
-            .arg(number),
-        QStringLiteral("CREATE TABLE IF NOT EXISTS lists ("
-                       " version INTEGER NOT NULL,"
-                       " is_beta INTEGER NOT NULL,"
-                       " made BIGINT NOT NULL,"
-                       " content %1 NOT NULL,"
-                       " PRIMARY KEY (version, is_beta))")
-            .arg(bytes),
-    };
-}
+const QString uploadColumns =
+    QStringLiteral("id, hash, received, state, reason, content, is_empty, source, group_key");
+const QString listColumns = QStringLiteral("version, is_beta, made, content");
 
 storedUpload uploadIn(const QSqlQuery &row)
 {
@@ -46,6 +22,8 @@ storedUpload uploadIn(const QSqlQuery &row)
     upload.reason = row.value(4).toString();
     upload.content = row.value(5).toString().toUtf8();
     upload.isEmpty = row.value(6).toInt() != 0;
+    upload.source = row.value(7).toString().toLatin1();
+    upload.group = row.value(8).toString();
     return upload;
 }
 
@@ -59,150 +37,156 @@ storedList listIn(const QSqlQuery &row)
     return list;
 }
 
-/// Whether a statement has worked, for one whose rows are of no interest, or have been read.
-outcome<void> withoutRows(const outcome<QSqlQuery> &done)
-{
-    return done.map([](const QSqlQuery &) {});
-}
-
 } // namespace
-
-template <typename Value>
-outcome<Value> resultStore::write(const std::function<outcome<Value>()> &work)
-{
-    if (const outcome<void> begun = db.beginWriting(); !begun)
-        return failure(begun.error());
-    outcome<Value> done = work();
-    if (done) {
-        const outcome<void> isCommitted = db.commit();
-        if (isCommitted)
-            return done;
-        done = failure(isCommitted.error());
-    }
-    db.rollback();
-    return done;
-}
 
 outcome<void> resultStore::open()
 {
     if (db.isOpen())
         return {};
-    outcome<void> done =
-        db.open().and_then([this] { return write<void>([this] { return createTables(); }); });
+    const outcome<void> done = db.open().and_then(
+        [this] { return db.use() == databaseUse::reading ? checkSchema(db) : prepareSchema(db); });
     if (!done)
         db.close();
     return done;
 }
 
-outcome<void> resultStore::createTables()
+outcome<void> resultStore::checkWritable()
 {
-    for (const QString &table : tables(db.isSqlite())) {
-        if (const auto made = db.execute(table); !made)
-            return failure(made.error());
-    }
-    return checkSchema();
+    // As much as a large upload takes.
+    const QString content(8'000, QLatin1Char('x'));
+    return db.write([&] {
+        return db.change(QStringLiteral("INSERT INTO write_probe (content) VALUES (?)"), {content})
+            .and_then([this] { return db.change(QStringLiteral("DELETE FROM write_probe")); });
+    });
 }
 
-outcome<void> resultStore::checkSchema()
+outcome<QByteArray> resultStore::sourceKey(qint64 day, const QByteArray &fresh)
 {
-    auto found = db.execute(QStringLiteral("SELECT version FROM schema_version"));
-    if (!found)
-        return failure(found.error());
-    const bool isNew = !found->next();
-    const int version = isNew ? schemaVersion : found->value(0).toInt();
-    found->finish();
-    if (version != schemaVersion) {
-        return failure(QStringLiteral("the database has schema %1, this program needs %2")
-                           .arg(QString::number(version), QString::number(schemaVersion)));
-    }
-    if (!isNew)
-        return {};
-    return withoutRows(
-        db.execute(QStringLiteral("INSERT INTO schema_version VALUES (?)"), {schemaVersion}));
+    return db.write([&] {
+        return db.change(QStringLiteral("DELETE FROM source_keys WHERE day < ?"), {day})
+            .and_then([&] {
+                return db.change(QStringLiteral("INSERT INTO source_keys (day, day_key) VALUES"
+                                                " (?, ?) ON CONFLICT (day) DO NOTHING"),
+                                 {day, QString::fromLatin1(fresh.toHex())});
+            })
+            .and_then([&] {
+                QByteArray key;
+                return db
+                    .read(QStringLiteral("SELECT day_key FROM source_keys WHERE day = ?"), {day},
+                          [&key](const QSqlQuery &row) {
+                              key = QByteArray::fromHex(row.value(0).toString().toLatin1());
+                          })
+                    .map([&key] { return key; });
+            });
+    });
+}
+
+outcome<qint64> resultStore::nextChange()
+{
+    return db.number(QStringLiteral("SELECT max(changed) FROM uploads")).map([](qint64 last) {
+        return last + 1;
+    });
+}
+
+outcome<void> resultStore::addAuditLine(const QString &command, const QString &uploads,
+                                        const QString &reason)
+{
+    return db.change(QStringLiteral("INSERT INTO audit (time, command, uploads, reason)"
+                                    " VALUES (?, ?, ?, ?)"),
+                     {QDateTime::currentMSecsSinceEpoch(), command, uploads, reason});
 }
 
 outcome<void> resultStore::insert(const QVector<storedUpload> &uploads)
 {
     if (uploads.isEmpty())
         return {};
-    QVector<QVariantList> columns(6);
+    const outcome<qint64> change = nextChange();
+    if (!change)
+        return failure(change.error());
+    QVector<QVariantList> columns(9);
     for (const storedUpload &upload : uploads) {
-        columns[0].append(QString::fromLatin1(upload.hash));
-        columns[1].append(upload.received);
-        columns[2].append(upload.state);
-        columns[3].append(upload.reason.isNull() ? QStringLiteral("") : upload.reason);
-        columns[4].append(QString::fromUtf8(upload.content));
-        columns[5].append(upload.isEmpty ? 1 : 0);
+        const QVariant values[] = {QString::fromLatin1(upload.hash),
+                                   upload.received,
+                                   upload.state,
+                                   upload.reason,
+                                   QString::fromUtf8(upload.content),
+                                   upload.isEmpty ? 1 : 0,
+                                   QString::fromLatin1(upload.source),
+                                   upload.group,
+                                   *change};
+        for (int i = 0; i < columns.size(); ++i)
+            columns[i].append(values[i]);
     }
     return db.executeForEach(
-        QStringLiteral("INSERT INTO uploads (hash, received, state, reason, content, is_empty)"
-                       " VALUES (?, ?, ?, ?, ?, ?) ON CONFLICT (hash) DO NOTHING"),
+        QStringLiteral("INSERT INTO uploads (hash, received, state, reason, content, is_empty,"
+                       " source, group_key, changed) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"
+                       " ON CONFLICT (hash) DO NOTHING"),
         columns);
 }
 
 outcome<void> resultStore::insertList(const storedList &list)
 {
-    return withoutRows(
-        db.execute(QStringLiteral("INSERT INTO lists (version, is_beta, made, content)"
-                                  " VALUES (?, ?, ?, ?) ON CONFLICT (version, is_beta) DO NOTHING"),
-                   {list.version, list.isBeta ? 1 : 0, list.made, list.content}));
+    return db.change(QStringLiteral("INSERT INTO lists (version, is_beta, made, content)"
+                                    " VALUES (?, ?, ?, ?) ON CONFLICT (version, is_beta)"
+                                    " DO NOTHING"),
+                     {list.version, list.isBeta ? 1 : 0, list.made, list.content});
 }
 
 outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
 {
-    return write<void>([&] { return insert(uploads); });
-}
-
-outcome<void> resultStore::checkWritable()
-{
-    return write<void>([] { return outcome<void>(); });
+    return db.write([&] { return insert(uploads); });
 }
 
 outcome<int> resultStore::newestVersion()
 {
-    auto found = db.execute(QStringLiteral("SELECT max(version) FROM lists"));
-    if (!found)
-        return failure(found.error());
-    if (!found->next())
-        return failure(QStringLiteral("the database has given no version"));
-    return found->isNull(0) ? builtInVersion : found->value(0).toInt();
+    return db.number(QStringLiteral("SELECT max(version) FROM lists")).map([](qint64 newest) {
+        return newest == 0 ? builtInVersion : static_cast<int>(newest);
+    });
 }
 
 outcome<storedList> resultStore::newestList(bool isBeta)
 {
-    auto found = db.execute(QStringLiteral("SELECT version, is_beta, made, content FROM lists"
-                                           " WHERE is_beta = ? ORDER BY version DESC LIMIT 1"),
-                            {isBeta ? 1 : 0});
-    if (!found)
-        return failure(found.error());
-    return found->next() ? listIn(*found) : storedList();
+    storedList newest;
+    return db
+        .read(QStringLiteral("SELECT %1 FROM lists WHERE is_beta = ? ORDER BY version DESC LIMIT 1")
+                  .arg(listColumns),
+              {isBeta ? 1 : 0}, [&newest](const QSqlQuery &row) { newest = listIn(row); })
+        .map([&newest] { return newest; });
 }
 
 outcome<void> resultStore::forEachUpload(const std::function<void(const storedUpload &)> &take)
 {
-    auto found = db.execute(QStringLiteral("SELECT id, hash, received, state, reason, content,"
-                                           " is_empty FROM uploads ORDER BY id"));
-    while (found && found->next())
-        take(uploadIn(*found));
-    return withoutRows(found);
+    QString damaged;
+    return db
+        .read(QStringLiteral("SELECT %1 FROM uploads ORDER BY id").arg(uploadColumns), {},
+              [&](const QSqlQuery &row) {
+                  const storedUpload upload = uploadIn(row);
+                  if (uploadHash(upload.content) == upload.hash)
+                      take(upload);
+                  else if (damaged.isEmpty())
+                      damaged = QStringLiteral("upload %1 is damaged").arg(upload.id);
+              })
+        .and_then([&damaged]() -> outcome<void> {
+            return damaged.isEmpty() ? outcome<void>() : failure(damaged);
+        });
 }
 
 outcome<void> resultStore::forEachList(const std::function<void(const storedList &)> &take)
 {
-    auto found = db.execute(QStringLiteral("SELECT version, is_beta, made, content FROM lists"
-                                           " ORDER BY version, is_beta"));
-    while (found && found->next())
-        take(listIn(*found));
-    return withoutRows(found);
+    return db.read(
+        QStringLiteral("SELECT %1 FROM lists ORDER BY version, is_beta").arg(listColumns), {},
+        [&take](const QSqlQuery &row) { take(listIn(row)); });
 }
 
 outcome<bool> resultStore::withdraw(qint64 id, const QString &reason)
 {
-    return write<bool>([&] {
-        return db
-            .execute(QStringLiteral("UPDATE uploads SET state = 'withdrawn', reason = ?"
-                                    " WHERE id = ?"),
-                     {reason, id})
+    return db.write([&] {
+        return nextChange()
+            .and_then([&](qint64 change) {
+                return db.execute(QStringLiteral("UPDATE uploads SET state = 'withdrawn',"
+                                                 " reason = ?, changed = ? WHERE id = ?"),
+                                  {reason, change, id});
+            })
             .map([](const QSqlQuery &done) { return done.numRowsAffected() > 0; });
     });
 }
@@ -210,7 +194,7 @@ outcome<bool> resultStore::withdraw(qint64 id, const QString &reason)
 outcome<int> resultStore::publish(const std::function<void(const storedUpload &)> &take,
                                   const listMaker &make)
 {
-    return write<int>([&] { return insertNextLists(take, make); });
+    return db.write([&] { return insertNextLists(take, make); });
 }
 
 outcome<int> resultStore::insertNextLists(const std::function<void(const storedUpload &)> &take,
@@ -235,10 +219,9 @@ outcome<int> resultStore::insertNextLists(const std::function<void(const storedU
         })
         // One that arrived since the uploads were read is not in the list.
         .and_then([&] {
-            return withoutRows(
-                db.execute(QStringLiteral("UPDATE uploads SET state = 'published' WHERE"
-                                          " state = 'received' AND is_empty = 0 AND id <= ?"),
-                           {lastUpload}));
+            return db.change(QStringLiteral("UPDATE uploads SET state = 'published' WHERE"
+                                            " state = 'received' AND is_empty = 0 AND id <= ?"),
+                             {lastUpload});
         })
         .map([version] { return version; });
 }
@@ -246,7 +229,7 @@ outcome<int> resultStore::insertNextLists(const std::function<void(const storedU
 outcome<void> resultStore::restore(const QVector<storedUpload> &uploads,
                                    const QVector<storedList> &newLists)
 {
-    return write<void>([&] {
+    return db.write([&] {
         outcome<void> done = insert(uploads);
         for (const storedList &list : newLists)
             done = done.and_then([&] { return insertList(list); });

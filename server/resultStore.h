@@ -27,17 +27,35 @@ public:
     /// The version of the list inside the programs; the first list published here gets the next.
     static constexpr int builtInVersion = 1010;
 
-    explicit resultStore(const databaseAddress &address) : db(address) {}
+    explicit resultStore(const databaseAddress &address, databaseUse use = databaseUse::serving)
+        : db(address, use)
+    {
+    }
 
-    /// Connects, and makes the tables that are missing.
+    /// Connects, and makes or migrates the tables. A store for reading does neither: it fails if
+    /// they are not as this program needs them.
     outcome<void> open();
     /// Closes the connection, so that open() makes a new one.
     void close() { db.close(); }
 
+    /// The connection, for what is not done here.
+    database &connection() { return db; }
+
+    /// Whether an upload could be stored now: writes one and takes it back.
+    outcome<void> checkWritable();
+    /// The key of the sources of @p day, the number of a UTC day, which all processes share:
+    /// @p fresh if there is none yet. Those of earlier days are deleted.
+    outcome<QByteArray> sourceKey(qint64 day, const QByteArray &fresh);
+    /// The number of the next change, within a transaction that writes. Whoever changes an upload's
+    /// state, group or content other than by publishing must set its column changed to it.
+    outcome<qint64> nextChange();
+    /// Adds a line about what an operator did, within a transaction that writes. @p uploads names
+    /// them: a number, or a filter.
+    outcome<void> addAuditLine(const QString &command, const QString &uploads,
+                               const QString &reason);
+
     /// Adds those of @p uploads whose content is not there yet, all or none. Durable on return.
     outcome<void> add(const QVector<storedUpload> &uploads);
-    /// Whether an upload could be stored now; it leaves nothing.
-    outcome<void> checkWritable();
     /// The number of the newest list, or that of the built-in one.
     outcome<int> newestVersion();
     /// The newest list, or one with version 0 if none has been published.
@@ -64,16 +82,10 @@ public:
                           const QVector<storedList> &newLists);
 
 private:
-    outcome<void> createTables();
-    /// Checks the version of the schema, or writes it into a new database.
-    outcome<void> checkSchema();
     outcome<void> insert(const QVector<storedUpload> &uploads);
     outcome<void> insertList(const storedList &list);
     /// What publish does, within its transaction.
     outcome<int> insertNextLists(const std::function<void(const storedUpload &)> &take,
                                  const listMaker &make);
-    /// Does @p work in a transaction that writes: commits it if it has worked, else undoes it.
-    template <typename Value> outcome<Value> write(const std::function<outcome<Value>()> &work);
-
     database db;
 };

@@ -2,6 +2,7 @@
 #include "server/storeThreads.h"
 
 #include "server/log.h"
+#include "server/rules/sourceToken.h"
 
 #include <algorithm>
 #include <iterator>
@@ -93,12 +94,13 @@ void storeThreads::newestList(bool isBeta, listTaker take)
     });
 }
 
-void storeThreads::add(storedUpload upload, resultTaker take)
+void storeThreads::add(storedUpload upload, QByteArray network, resultTaker take)
 {
     {
         const std::lock_guard lock(mutex);
         if (!isEnding && writes.size() < maximumBacklog) {
-            writes.push_back({std::move(upload), std::move(take), clock::now()});
+            writes.push_back(
+                {std::move(upload), std::move(network), std::move(take), clock::now()});
             writesChanged.notify_one();
             return;
         }
@@ -197,10 +199,7 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
     });
     if (batch.empty())
         return;
-    QVector<storedUpload> uploads;
-    for (const writeJob &job : batch)
-        uploads.append(job.upload);
-    const outcome<void> areStored = twice(to, [&] { return to.add(uploads); });
+    const outcome<void> areStored = twice(to, [&] { return add(to, batch); });
     if (!areStored && batch.size() > 1) {
         // One that the database refuses must not cost the rest of its batch.
         for (writeJob &job : batch)
@@ -211,4 +210,22 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
         writeLog(QStringLiteral("not stored: %1").arg(areStored.error()));
     for (const writeJob &job : batch)
         job.take(areStored.has_value());
+}
+
+outcome<void> storeThreads::add(resultStore &to, const std::vector<writeJob> &batch)
+{
+    const qint64 today = dayOf(QDateTime::currentMSecsSinceEpoch());
+    if (today != keyDay) {
+        const outcome<QByteArray> key = to.sourceKey(today, newDayKey());
+        if (!key)
+            return failure(key.error());
+        keyDay = today;
+        sourceKey = *key;
+    }
+    QVector<storedUpload> uploads;
+    for (const writeJob &job : batch) {
+        uploads.append(job.upload);
+        uploads.last().source = sourceToken(job.network, sourceKey);
+    }
+    return to.add(uploads);
 }

@@ -2,18 +2,32 @@
 #include "server/storedUpload.h"
 
 #include "data/benchXml.h"
+#include "server/rules/groupRules.h"
 #include "server/uploadCheck.h"
 
 #include <QCryptographicHash>
 
-storedUpload makeUpload(const benchResults &machine, qint64 now)
+bool isUploadState(const QString &state)
+{
+    return state == QLatin1String("received") || state == QLatin1String("published")
+           || state == QLatin1String("withdrawn") || state == QLatin1String("held");
+}
+
+QByteArray uploadHash(const QByteArray &content)
+{
+    return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
+}
+
+storedUpload makeUpload(const benchResults &machine, qint64 now, const QByteArray &source)
 {
     storedUpload upload;
     upload.content = canonicalXml(machine);
-    upload.hash = QCryptographicHash::hash(upload.content, QCryptographicHash::Sha256).toHex();
+    upload.hash = uploadHash(upload.content);
     upload.received = now;
     upload.state = QStringLiteral("received");
     upload.isEmpty = isAllZero(machine);
+    upload.source = source;
+    upload.group = groupKey(machine);
     return upload;
 }
 

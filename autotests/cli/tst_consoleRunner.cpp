@@ -26,9 +26,10 @@ const QString userFile = QStringLiteral("user_data.xml");
 class fakeOnline : public onlineDatabase
 {
 public:
-    fakeOnline(int *uploadCount, const bool *isTakingUploads)
+    fakeOnline(int *uploadCount, const bool *isTakingUploads, const QString *wordsOfRefusal)
         : uploads(uploadCount),
-          isTaking(isTakingUploads)
+          isTaking(isTakingUploads),
+          words(wordsOfRefusal)
     {
     }
     bool request(int requested, QByteArray &) override
@@ -36,10 +37,12 @@ public:
         *uploads += requested == storeResults ? 1 : 0;
         return requested == storeResults && *isTaking;
     }
+    QString refusal() const override { return *words; }
 
 private:
     int *uploads;
     const bool *isTaking;
+    const QString *words;
 };
 
 /// A runner over two fakes, stopped on request.
@@ -54,8 +57,9 @@ public:
             fakes.append(static_cast<fakeTest *>(tests.back().get()));
             fakes.last()->onRun = [] { fakeClock::pass(std::chrono::milliseconds(70)); };
         }
-        runner = std::make_unique<benchBase>(this, this, nullptr, std::move(tests),
-                                             std::make_unique<fakeOnline>(&uploads, &isTaking));
+        runner =
+            std::make_unique<benchBase>(this, this, nullptr, std::move(tests),
+                                        std::make_unique<fakeOnline>(&uploads, &isTaking, &words));
     }
     bool isStopRequested() override { return isStopped; }
 
@@ -87,6 +91,7 @@ public:
     bool isStopped = false;
     int uploads = 0;
     bool isTaking = true;
+    QString words;
     QStringList events;
     QVector<fakeTest *> fakes;
     std::unique_ptr<benchBase> runner;
@@ -123,6 +128,7 @@ private slots:
     void fullRunIsStored();
     void fullRunIsUploaded();
     void failedUpload();
+    void refusedUpload();
     void stoppedIsNotStored();
     void namedTests();
     void failedTest();
@@ -177,6 +183,23 @@ void tst_consoleRunner::failedUpload()
     QCOMPARE(c.runStandard(true), int(exitFailure));
     QVERIFY(c.text.endsWith(QStringLiteral("Store userdata\nCan't upload results\n")));
     QVERIFY(!directory->read(userFile).isNull());
+}
+
+/// The server's words are for standard error; the log is the window's too, and stays as it is.
+void tst_consoleRunner::refusedUpload()
+{
+    console c;
+    const auto errors = [&c](bool isTaking, const QString &words) {
+        c.isTaking = isTaking;
+        c.words = words;
+        return errorsOf([&c] { c.runStandard(true); });
+    };
+    QCOMPARE(errors(false, QStringLiteral("there is no test 'x'")),
+             QByteArray("fennick-cli: the upload was refused: there is no test 'x'\n"));
+    QVERIFY(c.text.endsWith(QStringLiteral("Store userdata\nCan't upload results\n")));
+    QVERIFY(!c.text.contains(QStringLiteral("no test")));
+    QCOMPARE(errors(false, QString()), QByteArray());
+    QCOMPARE(errors(true, QStringLiteral("words of another request")), QByteArray());
 }
 
 void tst_consoleRunner::stoppedIsNotStored()

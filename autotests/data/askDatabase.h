@@ -18,6 +18,7 @@ inline const QByteArray list = "<Fennick><bench machineName=\"Online\"/></Fennic
 struct outcome {
     bool ok = false;
     QByteArray data;
+    QString refusal;
     qint64 ms = 0;
 };
 
@@ -31,5 +32,6 @@ inline outcome ask(const fakeServer &server, int requested, int timeOut,
     timer.start();
     result.ok = database.request(requested, result.data);
     result.ms = timer.elapsed();
+    result.refusal = database.refusal();
     return result;
 }

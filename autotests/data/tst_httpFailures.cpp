@@ -32,6 +32,9 @@ private slots:
     void refused();
     void errors_data();
     void errors();
+    void refusals_data();
+    void refusals();
+    void refusalOfTheLatestRequest();
     void timeOuts_data();
     void timeOuts();
     void timeOutOfEachRequest();
@@ -81,6 +84,48 @@ void tst_httpFailures::errors()
         QVERIFY(!result.ok);
         QVERIFY(result.ms < longTime / 2);
     }
+}
+
+void tst_httpFailures::refusals_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QString>("words");
+    const auto row = [](const char *name, const QByteArray &status, const QByteArray &type,
+                        const QByteArray &body, const QString &words) {
+        const QByteArray header = type.isEmpty() ? type : "Content-Type: " + type + "\r\n";
+        QTest::newRow(name) << httpReply(body, status, header) << words;
+    };
+    const QByteArray error = "422 Unprocessable Content";
+    const QByteArray plain = "text/plain; charset=utf-8";
+    row("words", error, plain, "there is no test 'x'\n", QStringLiteral("there is no test 'x'"));
+    row("not UTF-8 only", error, plain, "\xC3\x9C", QStringLiteral("\u00DC"));
+    row("lines", error, plain, "one\r\ntwo\n", QStringLiteral("one two"));
+    row("what a terminal would obey", error, plain, "a\x1B[2Jb\x07", QStringLiteral("a?[2Jb?"));
+    row("many words", error, plain, QByteArray(5000, 'x'), QString(1000, QLatin1Char('x')));
+    row("none", error, plain, "", {});
+    row("a page", "404 Not Found", "text/html", "<html>", {});
+    row("no type", error, {}, "words", {});
+    row("taken", "200 OK", plain, "thank you\n", {});
+}
+
+void tst_httpFailures::refusals()
+{
+    QFETCH(QByteArray, reply);
+    const fakeServer server(sending(reply));
+    QTEST(ask(server, onlineDatabase::storeResults, longTime).refusal, "words");
+}
+
+void tst_httpFailures::refusalOfTheLatestRequest()
+{
+    fakeServer server(
+        sending(httpReply("no", "422 Unprocessable Content", "Content-Type: text/plain\r\n")));
+    httpDatabase database(server.host(), {longTime, longTime});
+    QByteArray data;
+    QVERIFY(!database.request(onlineDatabase::storeResults, data));
+    QCOMPARE(database.refusal(), QStringLiteral("no"));
+    server.reply = closingAfter({});
+    QVERIFY(!database.request(onlineDatabase::storeResults, data));
+    QCOMPARE(database.refusal(), QString());
 }
 
 void tst_httpFailures::timeOuts_data()

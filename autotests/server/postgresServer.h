@@ -53,6 +53,20 @@ public:
         return QStringLiteral("postgresql://fennick@/%1?host=%2").arg(name, root.path());
     }
 
+    /// A new database with what @p dump, a file of SQL, makes.
+    QString newDatabase(const QString &dump)
+    {
+        const QString place = newDatabase();
+        QFile sql(dump);
+        sql.open(QIODevice::ReadOnly);
+        run({programs() + QStringLiteral("/psql"), QStringLiteral("-q"), QStringLiteral("-h"),
+             root.path(), QStringLiteral("-U"), QStringLiteral("fennick"), QStringLiteral("-v"),
+             QStringLiteral("ON_ERROR_STOP=1"), QStringLiteral("-d"),
+             QStringLiteral("test%1").arg(databases)},
+            sql.readAll());
+        return place;
+    }
+
     QString lastOutput;
 
 private:
@@ -91,7 +105,7 @@ private:
     }
 
     /// Runs a program as somebody who is not the administrator, whom the server refuses.
-    bool run(QStringList command)
+    bool run(QStringList command, const QByteArray &input = {})
     {
         if (geteuid() == 0) {
             command = QStringList{QStringLiteral("runuser"), QStringLiteral("-u"),
@@ -103,6 +117,8 @@ private:
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.setStandardOutputFile(root.filePath(QStringLiteral("output")));
         process.start(command.first(), command.mid(1));
+        process.write(input);
+        process.closeWriteChannel();
         const bool isDone = process.waitForFinished(60'000) && process.exitCode() == 0;
         QFile output(root.filePath(QStringLiteral("output")));
         if (!isDone && output.open(QIODevice::ReadOnly))

@@ -37,6 +37,21 @@ public:
             beginPostgres();
         }
     }
+    /// The same with the results that the first released server stored: published ones, one with
+    /// nothing but zeros, one of an unknown processor, withdrawn ones, and one after publishing. @p
+    /// files is the folder with them.
+    void beginWithSchema1(const QString &folder)
+    {
+        if (QByteArray(QTest::currentDataTag()) == "PostgreSQL") {
+            place = postgres.newDatabase(folder + QStringLiteral("/results.sql"));
+            return;
+        }
+        begin();
+        const QString file = address().name;
+        QDir().mkpath(QFileInfo(file).path());
+        QFile::copy(folder + QStringLiteral("/results.sqlite"), file);
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    }
     void beginPostgres() { place = postgres.newDatabase(); }
 
     databaseAddress address() const { return *parseDatabaseAddress(place); }
@@ -48,6 +63,16 @@ private:
     int files = 0;
     QString place;
 };
+
+/// Begins a transaction of @p db that keeps everybody else from storing uploads.
+inline outcome<void> lockUploads(database &db)
+{
+    if (db.isSqlite())
+        return db.change(QStringLiteral("BEGIN IMMEDIATE"));
+    return db.change(QStringLiteral("BEGIN")).and_then([&db] {
+        return db.change(QStringLiteral("LOCK TABLE uploads"));
+    });
+}
 
 inline QVector<storedUpload> uploadsIn(resultStore &store)
 {

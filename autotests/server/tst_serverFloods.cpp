@@ -2,11 +2,8 @@
 
 // The real server among crowds of clients that keep it busy, and databases that keep it waiting.
 
-#include "server/database.h"
-
-#include "postgresServer.h"
+#include "storeFixture.h"
 #include "support/serverProcess.h"
-#include "support/uploads.h"
 
 #include <QtTest>
 
@@ -166,10 +163,10 @@ void tst_serverFloods::databaseThatHangs()
     QVERIFY(server.isListening());
     const QByteArray upload = uploadForm(uploadXml("a", "b", "1"));
     QCOMPARE(statusOf(rawClient(server.port).post(upload)), 200);
-    database other(*parseDatabaseAddress(place));
+    database other(*parseDatabaseAddress(place), databaseUse::operating);
     if (isSqlite) {
         QVERIFY(other.open());
-        QVERIFY(other.beginWriting());
+        QVERIFY(lockUploads(other));
     } else {
         postgres->freeze();
     }
@@ -187,7 +184,7 @@ void tst_serverFloods::databaseThatHangs()
     const int code = server.terminate();
     const qint64 ending = timer.elapsed();
     if (isSqlite)
-        other.rollback();
+        QVERIFY(other.change(QStringLiteral("ROLLBACK")));
     else
         postgres->thaw();
     QVERIFY(code == 0 || code == 1);

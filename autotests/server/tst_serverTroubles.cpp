@@ -90,7 +90,7 @@ std::vector<int> uploadUntilKilled(quint16 port, int from, std::atomic<int> &cou
     rawClient client(port);
     for (int i = from; client.socket.state() == QAbstractSocket::ConnectedState; ++i) {
         const QByteArray xml =
-            uploadXml("m" + QByteArray::number(i), "cpu", QByteArray::number(1 + i % 900));
+            uploadXml("m" + QByteArray::number(i), "Some CPU", QByteArray::number(1 + i % 900));
         if (statusOf(client.post(uploadForm(xml))) == 200) {
             acknowledged.push_back(i);
             ++count;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/storeThreads.h"
 
+#include "server/rules/sourceToken.h"
 #include "storeFixture.h"
 
 #include <QtTest>
@@ -21,9 +22,9 @@ template <typename Value, typename Ask> Value awaited(const Ask &ask)
     return promise->get_future().get();
 }
 
-bool add(storeThreads &store, const storedUpload &upload)
+bool add(storeThreads &store, const storedUpload &upload, const QByteArray &network = {})
 {
-    return awaited<bool>([&](const auto &take) { store.add(upload, take); });
+    return awaited<bool>([&](const auto &take) { store.add(upload, network, take); });
 }
 
 std::optional<int> newestVersion(storeThreads &store)
@@ -45,11 +46,11 @@ bool isWritable(storeThreads &store)
 
 /// Keeps everybody else from writing.
 struct writeLock {
-    explicit writeLock(const databaseAddress &address) : db(address)
+    explicit writeLock(const databaseAddress &address) : db(address, databaseUse::operating)
     {
-        isHeld = db.open().and_then([this] { return db.beginWriting(); }).has_value();
+        isHeld = db.open().and_then([this] { return lockUploads(db); }).has_value();
     }
-    ~writeLock() { db.rollback(); }
+    ~writeLock() { db.change(QStringLiteral("ROLLBACK")); }
 
     database db;
     bool isHeld = false;
@@ -74,6 +75,8 @@ private slots:
     void manyAtOnce();
     void newListsAreSeen_data() { storeFixture::addProducts(); }
     void newListsAreSeen();
+    void sources_data() { storeFixture::addProducts(); }
+    void sources();
     void oneThatIsRefused_data() { storeFixture::addProducts(); }
     void oneThatIsRefused();
     void writable_data() { storeFixture::addProducts(); }
@@ -128,6 +131,34 @@ void tst_storeThreads::newListsAreSeen()
     QCOMPARE(newestVersion(store).value_or(-1), 1012);
 }
 
+/// Those of one network have the same token, which says nothing of the network.
+void tst_storeThreads::sources()
+{
+    const auto today = [] { return dayOf(QDateTime::currentMSecsSinceEpoch()); };
+    const qint64 day = today();
+    {
+        storeThreads store(fixture->address());
+        QVERIFY(add(store, numbered(1), "net one"));
+        QVERIFY(add(store, numbered(2), "net two"));
+        QVERIFY(add(store, numbered(3), "net one"));
+        QVERIFY(add(store, numbered(4)));
+    }
+    storeThreads restarted(fixture->address());
+    QVERIFY(add(restarted, numbered(5), "net one"));
+    resultStore store(fixture->address());
+    QVERIFY(store.open());
+    const QVector<storedUpload> all = uploadsIn(store);
+    QCOMPARE(all.size(), 5);
+    if (today() != day)
+        QSKIP("the day has ended in the midst of it");
+    QCOMPARE(all.at(2).source, all.at(0).source);
+    QCOMPARE(all.at(4).source, all.at(0).source);
+    QVERIFY(all.at(0).source.size() >= 16);
+    QVERIFY(all.at(1).source != all.at(0).source);
+    QVERIFY(!all.at(0).source.contains("net"));
+    QCOMPARE(all.at(3).source, QByteArray());
+}
+
 /// An upload that the database refuses does not cost the others of its batch.
 void tst_storeThreads::oneThatIsRefused()
 {
@@ -140,12 +171,12 @@ void tst_storeThreads::oneThatIsRefused()
         const writeLock lock(fixture->address());
         QVERIFY(lock.isHeld);
         const auto count = [&](bool isStored) { isStored ? ++stored : ++refused; };
-        store.add(numbered(1), count);
+        store.add(numbered(1), {}, count);
         for (int i = 2; i < 10; ++i) {
             storedUpload upload = numbered(i);
             if (i == 5)
                 upload.state = QStringLiteral("nonsense");
-            store.add(upload, count);
+            store.add(upload, {}, count);
         }
     }
     QCOMPARE(stored, 8);
@@ -177,7 +208,7 @@ void tst_storeThreads::backlogIsBounded()
         const writeLock lock(fixture->address());
         QVERIFY(lock.isHeld);
         for (int i = 1; i <= total; ++i)
-            store.add(numbered(i), [&](bool isStored) { isStored ? ++stored : ++refused; });
+            store.add(numbered(i), {}, [&](bool isStored) { isStored ? ++stored : ++refused; });
         QVERIFY(refused >= more - 500 && refused <= more);
         QVERIFY(!store.end(50ms));
     }

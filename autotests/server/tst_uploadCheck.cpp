@@ -21,6 +21,8 @@ private slots:
     void everyTestHasACeiling();
     void refused_data();
     void refused();
+    void logged_data();
+    void logged();
     void hostile_data();
     void hostile();
     void ceilings();
@@ -123,6 +125,11 @@ void tst_uploadCheck::refused_data()
     row("many threads", with("threadCount=\"4\"", "threadCount=\"5000\""),
         "the thread count must be");
     row("no processor", with("Some CPU", " "), "the processor has no name");
+    row("processor not known", with("Some CPU", "unknown"),
+        "\"unknown\" and \"(est.)\" are no part");
+    row("disguised model", with("Some CPU", "A CPU ( EST )"), "\"unknown\" and");
+    row("markup", with("Some CPU", "&lt;b&gt;"), "the name of a processor has letters");
+    row("two scripts", with("Some CPU", "\xD0\x86ntel"), "the letters of a processor's name");
 }
 
 void tst_uploadCheck::refused()
@@ -133,6 +140,22 @@ void tst_uploadCheck::refused()
     QVERIFY(!upload);
     QVERIFY2(upload.error().reason.startsWith(reason), qPrintable(upload.error().reason));
     QTEST(upload.error().isReadable, "isReadable");
+    QVERIFY(*upload.error().kind != '\0');
+}
+
+void tst_uploadCheck::logged_data()
+{
+    refused_data();
+}
+
+/// What goes into the log is one of a few words, whatever was sent.
+void tst_uploadCheck::logged()
+{
+    QFETCH(QByteArray, xml);
+    const QByteArrayList kinds = {
+        "empty",   "no XML", "format",       "number of machines", "operating system", "name",
+        "threads", "clock",  "unknown test", "impossible result",  "processor's name"};
+    QVERIFY2(kinds.contains(checkUpload(xml).error().kind), checkUpload(xml).error().kind);
 }
 
 void tst_uploadCheck::hostile_data()

@@ -62,14 +62,14 @@ struct mouseFixture : compareFixture {
 /// timer much shorter than the one that ends a tip nobody touches.
 bool isGoing()
 {
-    constexpr int longestMoment = 1000;
     const QWidgetList windows = QApplication::topLevelWidgets();
     return std::any_of(windows.begin(), windows.end(), [](QWidget *window) {
         if (!window->inherits("QTipLabel"))
             return false;
-        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(window);
-        return std::any_of(timers.begin(), timers.end(),
-                           [](const auto &timer) { return timer.interval <= longestMoment; });
+        using timer = QAbstractEventDispatcher::TimerInfo;
+        const QList<timer> all = QAbstractEventDispatcher::instance()->registeredTimers(window);
+        return std::any_of(all.begin(), all.end(),
+                           [](const timer &one) { return one.interval <= 1000; });
     });
 }
 
