@@ -47,12 +47,6 @@ void writeList(QXmlStreamWriter &xml, const storedList &list)
     xml.writeEndElement();
 }
 
-bool isState(const QString &state)
-{
-    return state == QLatin1String("received") || state == QLatin1String("published")
-           || state == QLatin1String("withdrawn");
-}
-
 /// Reads an export or a list into uploads and lists.
 class importer
 {
@@ -138,7 +132,7 @@ private:
             taken.state = upload.state;
             taken.reason = upload.reason;
         }
-        if (!isState(taken.state))
+        if (!isUploadState(taken.state))
             return failure(QStringLiteral("there is no state '%1'").arg(taken.state));
         uploads.append(taken);
         ++report.uploads;

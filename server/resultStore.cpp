@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/resultStore.h"
 
+#include "server/rules/sourceToken.h"
 #include "server/schema.h"
 #include "server/versions.h"
+
+#include <QHash>
+
+#include <algorithm>
 
 namespace
 {
@@ -59,25 +64,24 @@ outcome<void> resultStore::checkWritable()
     });
 }
 
-outcome<QByteArray> resultStore::sourceKey(qint64 day, const QByteArray &fresh)
+outcome<QByteArray> resultStore::sourceKey(qint64 day)
 {
-    return db.write([&] {
-        return db.change(QStringLiteral("DELETE FROM source_keys WHERE day < ?"), {day})
-            .and_then([&] {
-                return db.change(QStringLiteral("INSERT INTO source_keys (day, day_key) VALUES"
-                                                " (?, ?) ON CONFLICT (day) DO NOTHING"),
-                                 {day, QString::fromLatin1(fresh.toHex())});
-            })
-            .and_then([&] {
-                QByteArray key;
-                return db
-                    .read(QStringLiteral("SELECT day_key FROM source_keys WHERE day = ?"), {day},
-                          [&key](const QSqlQuery &row) {
-                              key = QByteArray::fromHex(row.value(0).toString().toLatin1());
-                          })
-                    .map([&key] { return key; });
-            });
-    });
+    QByteArray key;
+    const outcome<void> isRead =
+        db.read(QStringLiteral("SELECT day_key FROM source_keys WHERE day = ? OR day = ?"
+                               " ORDER BY day DESC LIMIT 1"),
+                {day, day + 1}, [&key](const QSqlQuery &row) {
+                    key = QByteArray::fromHex(row.value(0).toString().toLatin1());
+                });
+    if (!isRead || !key.isEmpty())
+        return isRead.map([&key] { return key; });
+    key = newDayKey();
+    return db.change(QStringLiteral("DELETE FROM source_keys"))
+        .and_then([&] {
+            return db.change(QStringLiteral("INSERT INTO source_keys (day, day_key) VALUES (?, ?)"),
+                             {day, QString::fromLatin1(key.toHex())});
+        })
+        .map([&key] { return key; });
 }
 
 outcome<qint64> resultStore::nextChange()
@@ -139,7 +143,23 @@ outcome<void> resultStore::insertLists(const QVector<storedList> &newLists)
 
 outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
 {
-    return db.write([&] { return insert(uploads); });
+    return db.write([&]() -> outcome<void> {
+        QVector<storedUpload> withTokens = uploads;
+        QHash<qint64, QByteArray> keys;
+        for (storedUpload &upload : withTokens) {
+            if (upload.network.isEmpty())
+                continue;
+            const qint64 day = dayOf(upload.received);
+            if (!keys.contains(day)) {
+                const outcome<QByteArray> key = sourceKey(day);
+                if (!key)
+                    return failure(key.error());
+                keys.insert(day, *key);
+            }
+            upload.source = sourceToken(upload.network, keys.value(day));
+        }
+        return insert(withTokens);
+    });
 }
 
 outcome<int> resultStore::newestVersion()
@@ -159,11 +179,13 @@ outcome<storedList> resultStore::newestList(bool isBeta)
         .map([&newest] { return newest; });
 }
 
-outcome<void> resultStore::forEachUpload(const std::function<void(const storedUpload &)> &take)
+outcome<void> resultStore::forEachUpload(const QString &which, const QVariantList &values,
+                                         const std::function<void(const storedUpload &)> &take)
 {
     QString damaged;
+    const QString order = which.isEmpty() ? QStringLiteral("ORDER BY id") : which;
     return db
-        .read(QStringLiteral("SELECT %1 FROM uploads ORDER BY id").arg(uploadColumns), {},
+        .read(QStringLiteral("SELECT %1 FROM uploads %2").arg(uploadColumns, order), values,
               [&](const QSqlQuery &row) {
                   const storedUpload upload = uploadIn(row);
                   if (uploadHash(upload.content) == upload.hash)

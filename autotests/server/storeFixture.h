@@ -31,11 +31,18 @@ public:
         const QByteArray product(QTest::currentDataTag());
         place.clear();
         if (product == "SQLite") {
-            place = QStringLiteral("sqlite:")
-                    + directory.filePath(QStringLiteral("new/%1.db").arg(++files));
+            beginSqlite();
         } else if (product == "PostgreSQL") {
             beginPostgres();
         }
+    }
+    /// A new, empty database of this product.
+    void begin(bool isSqlite)
+    {
+        if (isSqlite)
+            beginSqlite();
+        else
+            beginPostgres();
     }
     /// The same with the results that the first released server stored: published ones, one with
     /// nothing but zeros, one of an unknown processor, withdrawn ones, and one after publishing. @p
@@ -51,6 +58,11 @@ public:
         QDir().mkpath(QFileInfo(file).path());
         QFile::copy(folder + QStringLiteral("/results.sqlite"), file);
         QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    }
+    void beginSqlite()
+    {
+        place = QStringLiteral("sqlite:")
+                + directory.filePath(QStringLiteral("new/%1.db").arg(++files));
     }
     void beginPostgres() { place = postgres.newDatabase(); }
 

@@ -87,7 +87,7 @@ void tst_importExport::importOfAList()
     const QByteArray list = "<Fennick>\r\n"
                             "<bench machineName=\"A (est.)\" os=\"linux\" cpu=\"a\" clock=\"1\" "
                             "threadCount=\"1\"><test name=\"mandel\" result=\"1\"/></bench>\r\n"
-                            "<bench machineName=\"B\" os=\"linux\" cpu=\"b\" clock=\"1\" "
+                            "<bench machineName=\"B\" os=\"linux\" cpu=\"b\" clock=\"3e9\" "
                             "threadCount=\"8.0\"><test name=\"mandel\" result=\"2\"/></bench>\r\n"
                             "</Fennick>";
     const auto report = import(store, list);
