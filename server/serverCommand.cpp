@@ -50,6 +50,10 @@ const QCommandLineOption whyOption(QStringLiteral("why"),
 const QCommandLineOption
     dryRunOption(QStringLiteral("dry-run"),
                  QStringLiteral("publish: shows what would change, and changes nothing."));
+const QCommandLineOption
+    endOption(QStringLiteral("without-end"),
+              QStringLiteral(
+                  "import: takes an export of an older server, which says nothing about its end."));
 const QCommandLineOption circleOption(
     QStringLiteral("circle"),
     QStringLiteral(
@@ -158,6 +162,7 @@ outcome<void> checkOptions(const QCommandLineParser &parser, serverCommand::acti
             return check({dryRunOption, circleOption, afreshOption, aboveOption},
                          serverCommand::publish, "publish");
         })
+        .and_then([&] { return check({endOption}, serverCommand::importFile, "import"); })
         .and_then([&] { return check({whyOption}, serverCommand::withdraw, "withdraw"); });
 }
 
@@ -173,6 +178,7 @@ outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serv
     if (const outcome<void> known = checkOptions(parser, found.action); !known)
         return known;
     command.wanted = found.action;
+    command.isEndOptional = parser.isSet(endOption);
     if (found.action == serverCommand::importFile)
         command.file = rest.first();
     if (found.action == serverCommand::withdraw)
@@ -229,7 +235,7 @@ parsed<serverCommand> parseServerCommand(const QStringList &arguments,
                                  QStringLiteral("command [argument]"));
     parser.addOptions({databaseOption, listenOption, uploadLimitOption, connectionsOption,
                        proxyOption, whyOption, dryRunOption, circleOption, afreshOption,
-                       aboveOption});
+                       aboveOption, endOption});
     if (const auto closing = readOptions(parser, arguments, serverProgramName()))
         return tl::unexpected(*closing);
     return readCommand(parser, defaultDatabase).map_error([](const QString &sentence) {

@@ -165,8 +165,8 @@ void tst_resultStore::lists()
     resultStore second(fixture->address());
     QVERIFY(second.open());
     QCOMPARE(second.newestVersion().value_or(-1), 1012);
-    QCOMPARE(qUncompress(second.newestList(false)->content), QByteArray("<normal/>"));
-    QCOMPARE(qUncompress(second.newestList(true)->content), QByteArray("<beta/>"));
+    QCOMPARE(qUncompress(second.newestList(false)->content), recognizable("normal"));
+    QCOMPARE(qUncompress(second.newestList(true)->content), recognizable("beta"));
     QCOMPARE(second.newestList(true)->version, 1012);
     QCOMPARE(second.newestList(true)->made, qint64(3'012));
     QStringList lists;

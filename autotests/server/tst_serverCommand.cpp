@@ -70,6 +70,7 @@ void tst_serverCommand::verbs_data()
     QTest::addColumn<int>("action");
     QTest::newRow("publish") << int(serverCommand::publish);
     QTest::newRow("publish --dry-run --circle --afresh --above 7") << int(serverCommand::publish);
+    QTest::newRow("import --without-end a.xml") << int(serverCommand::importFile);
     QTest::newRow("import a.xml") << int(serverCommand::importFile);
     QTest::newRow("export") << int(serverCommand::exportAll);
     QTest::newRow("list --database sqlite:x") << int(serverCommand::list);
@@ -84,6 +85,7 @@ void tst_serverCommand::verbs()
     QCOMPARE(command.publishing.isAfresh, hasOptions);
     QCOMPARE(command.publishing.rules, hasOptions ? ruleSet::circle : ruleSet::open);
     QCOMPARE(command.publishing.above, hasOptions ? 7 : 0);
+    QCOMPARE(command.isEndOptional, QByteArray(QTest::currentDataTag()).contains("--without-end"));
     if (command.wanted == serverCommand::importFile)
         QCOMPARE(command.file, QStringLiteral("a.xml"));
 }
@@ -126,6 +128,7 @@ void tst_serverCommand::errors_data()
     row("serve --circle", "--circle is an option of publish");
     row("import x --afresh", "--afresh is an option of publish");
     row("export --above 3", "--above is an option of publish");
+    row("export --without-end", "--without-end is an option of import");
     row("publish --above x", "--above takes a number from 0 to 1999999999, not 'x'");
     row("publish --above 2000000000", "--above takes a number from 0 to 1999999999");
     row("withdraw 1", "withdraw needs a reason: --why TEXT");
