@@ -66,6 +66,8 @@ private slots:
     void locksAreNotWaitedForEver_data() { storeFixture::addProducts(); }
     void locksAreNotWaitedForEver();
     void statementsEnd();
+    void errorsQuoteNothing_data() { storeFixture::addProducts(); }
+    void errorsQuoteNothing();
     void limits_data();
     void limits();
     void openingNeedsNoLock_data() { storeFixture::addProducts(); }
@@ -241,6 +243,18 @@ void tst_database::statementsEnd()
     QVERIFY(!done);
     QVERIFY2(done.error().contains(QStringLiteral("timeout")), qPrintable(done.error()));
     QVERIFY(db.change(QStringLiteral("SELECT 1")));
+}
+
+void tst_database::errorsQuoteNothing()
+{
+    resultStore store(fixture->address());
+    QVERIFY(store.open());
+    storedUpload wrong = stored(machineWith(QStringLiteral("SECRET"), QStringLiteral("c"), 1));
+    wrong.state = QStringLiteral("lost");
+    const QString error = why(store.add({wrong}));
+    QVERIFY(!error.isEmpty());
+    QVERIFY2(!error.contains(QStringLiteral("SECRET")) && !error.contains(QLatin1Char('\n')),
+             qPrintable(error));
 }
 
 void tst_database::limits_data()
