@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/resultStore.h"
 
+#include "server/rules/sourceToken.h"
 #include "server/schema.h"
+#include "server/versions.h"
+
+#include <QHash>
 
 #include <algorithm>
 
@@ -60,25 +64,24 @@ outcome<void> resultStore::checkWritable()
     });
 }
 
-outcome<QByteArray> resultStore::sourceKey(qint64 day, const QByteArray &fresh)
+outcome<QByteArray> resultStore::sourceKey(qint64 day)
 {
-    return db.write([&] {
-        return db.change(QStringLiteral("DELETE FROM source_keys WHERE day < ?"), {day})
-            .and_then([&] {
-                return db.change(QStringLiteral("INSERT INTO source_keys (day, day_key) VALUES"
-                                                " (?, ?) ON CONFLICT (day) DO NOTHING"),
-                                 {day, QString::fromLatin1(fresh.toHex())});
-            })
-            .and_then([&] {
-                QByteArray key;
-                return db
-                    .read(QStringLiteral("SELECT day_key FROM source_keys WHERE day = ?"), {day},
-                          [&key](const QSqlQuery &row) {
-                              key = QByteArray::fromHex(row.value(0).toString().toLatin1());
-                          })
-                    .map([&key] { return key; });
-            });
-    });
+    QByteArray key;
+    const outcome<void> isRead =
+        db.read(QStringLiteral("SELECT day_key FROM source_keys WHERE day = ? OR day = ?"
+                               " ORDER BY day DESC LIMIT 1"),
+                {day, day + 1}, [&key](const QSqlQuery &row) {
+                    key = QByteArray::fromHex(row.value(0).toString().toLatin1());
+                });
+    if (!isRead || !key.isEmpty())
+        return isRead.map([&key] { return key; });
+    key = newDayKey();
+    return db.change(QStringLiteral("DELETE FROM source_keys"))
+        .and_then([&] {
+            return db.change(QStringLiteral("INSERT INTO source_keys (day, day_key) VALUES (?, ?)"),
+                             {day, QString::fromLatin1(key.toHex())});
+        })
+        .map([&key] { return key; });
 }
 
 outcome<qint64> resultStore::nextChange()
@@ -124,23 +127,45 @@ outcome<void> resultStore::insert(const QVector<storedUpload> &uploads)
         columns);
 }
 
-outcome<void> resultStore::insertList(const storedList &list)
+outcome<void> resultStore::insertLists(const QVector<storedList> &newLists)
 {
-    return db.change(QStringLiteral("INSERT INTO lists (version, is_beta, made, content)"
-                                    " VALUES (?, ?, ?, ?) ON CONFLICT (version, is_beta)"
-                                    " DO NOTHING"),
-                     {list.version, list.isBeta ? 1 : 0, list.made, list.content});
+    outcome<void> done;
+    for (const storedList &list : newLists) {
+        done = done.and_then([&] {
+            return db.change(QStringLiteral("INSERT INTO lists (%1) VALUES (?, ?, ?, ?)"
+                                            " ON CONFLICT (version, is_beta) DO NOTHING")
+                                 .arg(listColumns),
+                             {list.version, list.isBeta ? 1 : 0, list.made, list.content});
+        });
+    }
+    return done;
 }
 
 outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
 {
-    return db.write([&] { return insert(uploads); });
+    return db.write([&]() -> outcome<void> {
+        QVector<storedUpload> withTokens = uploads;
+        QHash<qint64, QByteArray> keys;
+        for (storedUpload &upload : withTokens) {
+            if (upload.network.isEmpty())
+                continue;
+            const qint64 day = dayOf(upload.received);
+            if (!keys.contains(day)) {
+                const outcome<QByteArray> key = sourceKey(day);
+                if (!key)
+                    return failure(key.error());
+                keys.insert(day, *key);
+            }
+            upload.source = sourceToken(upload.network, keys.value(day));
+        }
+        return insert(withTokens);
+    });
 }
 
 outcome<int> resultStore::newestVersion()
 {
     return db.number(QStringLiteral("SELECT max(version) FROM lists")).map([](qint64 newest) {
-        return newest == 0 ? builtInVersion : static_cast<int>(newest);
+        return newest == 0 ? builtInListVersion : static_cast<int>(newest);
     });
 }
 
@@ -154,11 +179,13 @@ outcome<storedList> resultStore::newestList(bool isBeta)
         .map([&newest] { return newest; });
 }
 
-outcome<void> resultStore::forEachUpload(const std::function<void(const storedUpload &)> &take)
+outcome<void> resultStore::forEachUpload(const QString &which, const QVariantList &values,
+                                         const std::function<void(const storedUpload &)> &take)
 {
     QString damaged;
+    const QString order = which.isEmpty() ? QStringLiteral("ORDER BY id") : which;
     return db
-        .read(QStringLiteral("SELECT %1 FROM uploads ORDER BY id").arg(uploadColumns), {},
+        .read(QStringLiteral("SELECT %1 FROM uploads %2").arg(uploadColumns, order), values,
               [&](const QSqlQuery &row) {
                   const storedUpload upload = uploadIn(row);
                   if (uploadHash(upload.content) == upload.hash)
@@ -191,48 +218,9 @@ outcome<bool> resultStore::withdraw(qint64 id, const QString &reason)
     });
 }
 
-outcome<int> resultStore::publish(const std::function<void(const storedUpload &)> &take,
-                                  const listMaker &make)
-{
-    return db.write([&] { return insertNextLists(take, make); });
-}
-
-outcome<int> resultStore::insertNextLists(const std::function<void(const storedUpload &)> &take,
-                                          const listMaker &make)
-{
-    const outcome<int> newest = newestVersion();
-    qint64 lastUpload = 0;
-    const outcome<void> isRead = newest.and_then([&](int) {
-        return forEachUpload([&](const storedUpload &upload) {
-            lastUpload = upload.id;
-            take(upload);
-        });
-    });
-    if (!isRead)
-        return failure(isRead.error());
-    const int version = std::max(*newest, builtInVersion) + 1;
-    const lists made = make();
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    return insertList({version, false, now, made.normal})
-        .and_then([&] {
-            return insertList({version, true, now, made.beta});
-        })
-        // One that arrived since the uploads were read is not in the list.
-        .and_then([&] {
-            return db.change(QStringLiteral("UPDATE uploads SET state = 'published' WHERE"
-                                            " state = 'received' AND is_empty = 0 AND id <= ?"),
-                             {lastUpload});
-        })
-        .map([version] { return version; });
-}
-
 outcome<void> resultStore::restore(const QVector<storedUpload> &uploads,
                                    const QVector<storedList> &newLists)
 {
-    return db.write([&] {
-        outcome<void> done = insert(uploads);
-        for (const storedList &list : newLists)
-            done = done.and_then([&] { return insertList(list); });
-        return done;
-    });
+    return db.write(
+        [&] { return insert(uploads).and_then([&] { return insertLists(newLists); }); });
 }

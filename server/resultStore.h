@@ -24,9 +24,6 @@ struct storedList {
 class resultStore
 {
 public:
-    /// The version of the list inside the programs; the first list published here gets the next.
-    static constexpr int builtInVersion = 1010;
-
     explicit resultStore(const databaseAddress &address, databaseUse use = databaseUse::serving)
         : db(address, use)
     {
@@ -43,9 +40,6 @@ public:
 
     /// Whether an upload could be stored now: writes one and takes it back.
     outcome<void> checkWritable();
-    /// The key of the sources of @p day, the number of a UTC day, which all processes share:
-    /// @p fresh if there is none yet. Those of earlier days are deleted.
-    outcome<QByteArray> sourceKey(qint64 day, const QByteArray &fresh);
     /// The number of the next change, within a transaction that writes. Whoever changes an upload's
     /// state, group or content other than by publishing must set its column changed to it.
     outcome<qint64> nextChange();
@@ -54,38 +48,39 @@ public:
     outcome<void> addAuditLine(const QString &command, const QString &uploads,
                                const QString &reason);
 
-    /// Adds those of @p uploads whose content is not there yet, all or none. Durable on return.
+    /// Adds those of @p uploads whose content is not there yet, all or none. Durable on return. In
+    /// place of a network they get a token of it.
     outcome<void> add(const QVector<storedUpload> &uploads);
     /// The number of the newest list, or that of the built-in one.
     outcome<int> newestVersion();
     /// The newest list, or one with version 0 if none has been published.
     outcome<storedList> newestList(bool isBeta);
     /// Hands every upload to @p take, oldest first.
-    outcome<void> forEachUpload(const std::function<void(const storedUpload &)> &take);
+    outcome<void> forEachUpload(const std::function<void(const storedUpload &)> &take)
+    {
+        return forEachUpload(QString(), {}, take);
+    }
+    /// The same for those that @p which selects, what follows a FROM, with @p values for its
+    /// question marks.
+    outcome<void> forEachUpload(const QString &which, const QVariantList &values,
+                                const std::function<void(const storedUpload &)> &take);
     outcome<void> forEachList(const std::function<void(const storedList &)> &take);
     /// Marks an upload as withdrawn. False if there is none with this number.
     outcome<bool> withdraw(qint64 id, const QString &reason);
 
-    /// What publishing makes of all uploads: the packed XML of the normal and of the BETA list.
-    struct lists {
-        QByteArray normal;
-        QByteArray beta;
-    };
-    using listMaker = std::function<lists()>;
-    /// Stores the next version, marks the uploads in it as published, and returns its number.
-    /// @p take gets each upload before @p make is called; nobody else can publish meanwhile.
-    outcome<int> publish(const std::function<void(const storedUpload &)> &take,
-                         const listMaker &make);
+    /// Adds @p newLists as they are, within a transaction that writes.
+    outcome<void> insertLists(const QVector<storedList> &newLists);
 
     /// Adds uploads and lists as they are, without those that are there already, all or none.
     outcome<void> restore(const QVector<storedUpload> &uploads,
                           const QVector<storedList> &newLists);
 
 private:
+    /// The key of the sources of @p day, the number of a UTC day, which all processes share. Makes
+    /// one if there is none yet, and deletes those of other days. A process whose clock is a little
+    /// ahead may have begun the next day already, whose key then stands for this one too.
+    outcome<QByteArray> sourceKey(qint64 day);
     outcome<void> insert(const QVector<storedUpload> &uploads);
-    outcome<void> insertList(const storedList &list);
-    /// What publish does, within its transaction.
-    outcome<int> insertNextLists(const std::function<void(const storedUpload &)> &take,
-                                 const listMaker &make);
+
     database db;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/schema.h"
 
-#include "server/rules/groupRules.h"
+#include "engine/benchResults.h"
 #include "server/storedUpload.h"
 
 namespace
@@ -170,28 +170,35 @@ QStringList widerUploads(bool isSqlite)
            });
 }
 
-/// Gives the uploads with numbers above @p last, a thousand at most, their groups. The last number,
-/// or @p last if there are none left.
+/// Gives the uploads with numbers above @p last, a thousand at most, their groups, and holds those
+/// that would be held if they came now. The last number, or @p last if there are none left.
 outcome<qint64> groupNextUploads(database &db, qint64 last)
 {
-    QVector<QVariantList> columns(3);
+    QVector<QVariantList> columns(5);
     const outcome<void> isRead = db.read(
-        QStringLiteral("SELECT id, content FROM uploads WHERE id > ? ORDER BY id LIMIT 1000"),
+        QStringLiteral("SELECT id, content, state, reason FROM uploads WHERE id > ? ORDER BY id"
+                       " LIMIT 1000"),
         {last}, [&](const QSqlQuery &row) {
             last = row.value(0).toLongLong();
             storedUpload upload;
             upload.content = row.value(1).toString().toUtf8();
-            columns[0].append(groupKey(uploadedMachine(upload)));
-            columns[1].append(last);
-            columns[2].append(last);
+            const storedUpload now = makeUpload(uploadedMachine(upload), 0);
+            const QString state = row.value(2).toString();
+            const bool isHeld =
+                now.state == QLatin1String("held") && state != QLatin1String("withdrawn");
+            const QVariant values[] = {now.group, last, isHeld ? now.state : state,
+                                       isHeld ? now.reason : row.value(3).toString(), last};
+            for (int i = 0; i < columns.size(); ++i)
+                columns[i].append(values[i]);
         });
     return isRead
         .and_then([&] {
             return columns[0].isEmpty()
                        ? outcome<void>()
-                       : db.executeForEach(QStringLiteral("UPDATE uploads SET group_key = ?,"
-                                                          " changed = ? WHERE id = ?"),
-                                           columns);
+                       : db.executeForEach(
+                           QStringLiteral("UPDATE uploads SET group_key = ?, changed = ?,"
+                                          " state = ?, reason = ? WHERE id = ?"),
+                           columns);
         })
         .map([last] { return last; });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "console/options.h"
+#include "server/publication.h"
 #include "server/resultServer.h"
 
 #include <QString>
@@ -15,9 +16,12 @@ struct serverCommand {
     serverOptions options;
     QString address = QStringLiteral("127.0.0.1");
     int port = 8426;
-    QString file;   ///< to import
-    qint64 id = 0;  ///< of the upload to withdraw
-    QString reason; ///< why it is withdrawn
+    QString file;               ///< to import
+    bool isEndOptional = false; ///< imports an old export, which says nothing about its end
+    qint64 id = 0;              ///< of the upload to withdraw
+    QString reason;             ///< why it is withdrawn
+    publishOptions publishing;
+    bool isDryRun = false; ///< shows what would change, and changes nothing
 };
 
 /// Reads @p arguments, the program's own name first. @p defaultDatabase is the file that is used

@@ -3,6 +3,8 @@
 
 #include "data/benchXml.h"
 #include "server/rules/groupRules.h"
+#include "server/rules/plausibility.h"
+#include "server/rules/processorName.h"
 #include "server/uploadCheck.h"
 
 #include <QCryptographicHash>
@@ -18,13 +20,23 @@ QByteArray uploadHash(const QByteArray &content)
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
 }
 
+outcome<void> checkCredible(const benchResults &machine)
+{
+    return publishedProcessorName(machine.getCpu()).and_then([&machine](const QString &) {
+        return plausibility::ofBuiltInList().check(machine);
+    });
+}
+
 storedUpload makeUpload(const benchResults &machine, qint64 now, const QByteArray &source)
 {
     storedUpload upload;
     upload.content = canonicalXml(machine);
     upload.hash = uploadHash(upload.content);
     upload.received = now;
-    upload.state = QStringLiteral("received");
+    const outcome<void> isCredible = checkCredible(machine);
+    upload.state = isCredible ? QStringLiteral("received") : QStringLiteral("held");
+    if (!isCredible)
+        upload.reason = isCredible.error();
     upload.isEmpty = isAllZero(machine);
     upload.source = source;
     upload.group = groupKey(machine);

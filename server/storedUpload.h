@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/outcome.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -16,6 +18,7 @@ struct storedUpload {
     QByteArray content;   ///< the machine in its canonical XML
     bool isEmpty = false; ///< whether all results are 0
     QByteArray source;    ///< a token of where it came from; empty if that is not known
+    QByteArray network;   ///< of a new one, for its token; not stored. See networkOf
     QString group;        ///< what uploads of one machine have in common; empty if it never counts
 };
 
@@ -25,8 +28,12 @@ bool isUploadState(const QString &state);
 /// The hash of an upload with this @p content.
 QByteArray uploadHash(const QByteArray &content);
 
+/// Whether @p machine can be right and has a name that is published; else why it is held.
+outcome<void> checkCredible(const benchResults &machine);
+
 /// A new upload of @p machine, received at @p now, in milliseconds since 1970. Equal results have
-/// equal hashes. @p source is a token of where it came from.
+/// equal hashes. @p source is a token of where it came from. What cannot be right, or has a name
+/// that is not published, is held.
 storedUpload makeUpload(const benchResults &machine, qint64 now, const QByteArray &source = {});
 
 /// The machine that was uploaded.

@@ -25,17 +25,18 @@ public:
     /// What is wrong with the PostgreSQL server, if anything is.
     const QString &error() const { return postgres.lastOutput; }
 
-    /// A new, empty database of the product that the row of data names.
+    /// A new, empty database of the product that the row of data names, of SQLite if of none.
     void begin()
     {
-        const QByteArray product(QTest::currentDataTag());
-        place.clear();
-        if (product == "SQLite") {
-            place = QStringLiteral("sqlite:")
-                    + directory.filePath(QStringLiteral("new/%1.db").arg(++files));
-        } else if (product == "PostgreSQL") {
+        begin(QByteArray(QTest::currentDataTag()) != "PostgreSQL");
+    }
+    /// A new, empty database of this product.
+    void begin(bool isSqlite)
+    {
+        if (isSqlite)
+            beginSqlite();
+        else
             beginPostgres();
-        }
     }
     /// The same with the results that the first released server stored: published ones, one with
     /// nothing but zeros, one of an unknown processor, withdrawn ones, and one after publishing. @p
@@ -51,6 +52,11 @@ public:
         QDir().mkpath(QFileInfo(file).path());
         QFile::copy(folder + QStringLiteral("/results.sqlite"), file);
         QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    }
+    void beginSqlite()
+    {
+        place = QStringLiteral("sqlite:")
+                + directory.filePath(QStringLiteral("new/%1.db").arg(++files));
     }
     void beginPostgres() { place = postgres.newDatabase(); }
 
@@ -95,8 +101,18 @@ inline storedUpload numbered(int i)
                   1'000 + i);
 }
 
-inline outcome<int> publish(resultStore &store)
+/// A list of one machine with this name.
+inline QByteArray recognizable(const QByteArray &name)
 {
-    const auto lists = [] { return resultStore::lists{"normal", QByteArray("be\0ta", 5)}; };
-    return store.publish([](const storedUpload &) {}, lists);
+    return "<Fennick><bench machineName=\"" + name
+           + "\" os=\"linux\" cpu=\"A\" clock=\"1\" "
+             "threadCount=\"1\"/></Fennick>";
+}
+
+/// Adds lists with this version and recognizable contents.
+inline outcome<void> addLists(resultStore &store, int version)
+{
+    const qint64 made = 2'000 + version;
+    return store.restore({}, {{version, false, made, qCompress(recognizable("normal"))},
+                              {version, true, made, qCompress(recognizable("beta"))}});
 }

@@ -103,28 +103,43 @@ range rangeOf(const QVector<float> &results)
     return {middle - mostDeviations * deviation, middle + mostDeviations * deviation};
 }
 
-QVector<statement> withoutOutliers(const QVector<statement> &statements)
+/// The ranges of all tests.
+class resultRanges
 {
-    QMap<QString, QVector<float>> results;
-    for (const statement &one : statements) {
-        for (auto test = one.machine.getTests().begin(); test != one.machine.getTests().end();
-             ++test)
-            results[test.key()].append(test->value);
+public:
+    explicit resultRanges(const QVector<statement> &statements)
+    {
+        QMap<QString, QVector<float>> results;
+        for (const statement &one : statements) {
+            const QMap<QString, benchResults::test> &tests = one.machine.getTests();
+            for (auto test = tests.begin(); test != tests.end(); ++test)
+                results[test.key()].append(test->value);
+        }
+        for (auto test = results.begin(); test != results.end(); ++test)
+            ranges.insert(test.key(), rangeOf(*test));
     }
-    QMap<QString, range> ranges;
-    for (auto test = results.begin(); test != results.end(); ++test)
-        ranges.insert(test.key(), rangeOf(*test));
-    const auto isInside = [&ranges](const statement &one) {
-        for (auto test = one.machine.getTests().begin(); test != one.machine.getTests().end();
-             ++test) {
+
+    bool haveInside(const benchResults &machine) const
+    {
+        const QMap<QString, benchResults::test> &tests = machine.getTests();
+        for (auto test = tests.begin(); test != tests.end(); ++test) {
             const range own = ranges.value(test.key());
             if (!(test->value >= own.least && test->value <= own.most))
                 return false;
         }
         return true;
-    };
+    }
+
+private:
+    QMap<QString, range> ranges;
+};
+
+QVector<statement> withoutOutliers(const QVector<statement> &statements)
+{
+    const resultRanges ranges(statements);
     QVector<statement> inside;
-    std::copy_if(statements.begin(), statements.end(), std::back_inserter(inside), isInside);
+    std::copy_if(statements.begin(), statements.end(), std::back_inserter(inside),
+                 [&ranges](const statement &one) { return ranges.haveInside(one.machine); });
     return inside;
 }
 
@@ -163,4 +178,16 @@ groupVerdict judge(const QVector<countedUpload> &uploads, ruleSet rules)
         || (verdict.sources >= sourcesForTheNormalList && days.size() >= daysForTheNormalList))
         verdict.normal = verdict.beta;
     return verdict;
+}
+
+QVector<int> outliersAmong(const QVector<countedUpload> &uploads)
+{
+    const resultRanges ranges(statementsIn(uploads));
+    QVector<int> found;
+    for (int i = 0; i < uploads.size(); ++i) {
+        const benchResults &machine = uploads.at(i).machine;
+        if (isWholeRun(machine) && !ranges.haveInside(machine))
+            found.append(i);
+    }
+    return found;
 }

@@ -52,3 +52,7 @@ QString groupKey(const benchResults &machine);
 /// are left out. What remains makes a machine, the median in each test, under the spelling of the
 /// processor's name that most of them have.
 groupVerdict judge(const QVector<countedUpload> &uploads, ruleSet rules);
+
+/// The indexes of those of @p uploads, all of one group, that are whole runs with an outlying
+/// result.
+QVector<int> outliersAmong(const QVector<countedUpload> &uploads);

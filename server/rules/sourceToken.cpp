@@ -51,5 +51,5 @@ QByteArray newDayKey()
 {
     std::array<quint32, 8> words{};
     QRandomGenerator::system()->fillRange(words.data(), static_cast<qsizetype>(words.size()));
-    return QByteArray(reinterpret_cast<const char *>(words.data()), sizeof words).toHex();
+    return QByteArray(reinterpret_cast<const char *>(words.data()), sizeof words);
 }

@@ -17,5 +17,5 @@ QByteArray sourceToken(const QByteArray &network, const QByteArray &dayKey);
 /// The number of the UTC day of a time in milliseconds since 1970.
 qint64 dayOf(qint64 time);
 
-/// A new random key.
+/// A new random key of 256 bits.
 QByteArray newDayKey();

@@ -53,7 +53,10 @@ QString text(const groupVerdict &verdict)
     return result;
 }
 
-const QVector<countedUpload> threeSources = {from("a", 1), from("b", 1), from("c", 2)};
+QVector<countedUpload> threeSources()
+{
+    return {from("a", 1), from("b", 1), from("c", 2)};
+}
 
 } // namespace
 
@@ -71,6 +74,7 @@ private slots:
     void outliers_data();
     void outliers();
     void outliersAreNoSources();
+    void outliersAreNamed();
     void names_data();
     void names();
     void computerNamesAreDropped();
@@ -103,7 +107,7 @@ void tst_groupRules::sources_data()
     QTest::newRow("two on two days") << uploads{from("a", 1), from("b", 2)} << 2 << false;
     QTest::newRow("three on one day")
         << uploads{from("a", 1), from("b", 1), from("c", 1)} << 3 << false;
-    QTest::newRow("three on two days") << threeSources << 3 << true;
+    QTest::newRow("three on two days") << threeSources() << 3 << true;
     QTest::newRow("one of them twice")
         << uploads{from("a", 1), from("b", 1), from("b", 1)} << 2 << false;
     QTest::newRow("two, one of them on both days")
@@ -143,8 +147,8 @@ void tst_groupRules::wholeRunsOnly()
     }
     QVERIFY(!judge({from("a", 1), from("b", 2), none, missing}, ruleSet::open).normal);
     const groupVerdict with =
-        judge(threeSources + QVector<countedUpload>{none, missing}, ruleSet::open);
-    QCOMPARE(text(with), text(judge(threeSources, ruleSet::open)));
+        judge(threeSources() + QVector<countedUpload>{none, missing}, ruleSet::open);
+    QCOMPARE(text(with), text(judge(threeSources(), ruleSet::open)));
 }
 
 void tst_groupRules::medians()
@@ -234,6 +238,17 @@ void tst_groupRules::outliersAreNoSources()
     QVERIFY(verdict.beta);
 }
 
+void tst_groupRules::outliersAreNamed()
+{
+    QVector<countedUpload> uploads = {from("a", 1, 9), from("a", 1), from("a", 1), from("b", 1),
+                                      from("c", 2, 0.1F)};
+    uploads.append(from("d", 1, 9));
+    uploads.last().machine.setTest(mandel, benchResults::test(0)); // no whole run
+    QCOMPARE(outliersAmong(uploads), QVector<int>({0, 4}));
+    QCOMPARE(outliersAmong({}), QVector<int>());
+    QCOMPARE(outliersAmong(threeSources()), QVector<int>());
+}
+
 void tst_groupRules::names_data()
 {
     QTest::addColumn<QString>("spellings"); // with bars between them
@@ -265,8 +280,8 @@ void tst_groupRules::names()
 
 void tst_groupRules::computerNamesAreDropped()
 {
-    const groupVerdict verdict = judge(threeSources, ruleSet::open);
-    QCOMPARE(threeSources.first().machine.getName(), QStringLiteral("LAB7"));
+    const groupVerdict verdict = judge(threeSources(), ruleSet::open);
+    QCOMPARE(threeSources().first().machine.getName(), QStringLiteral("LAB7"));
     QCOMPARE(verdict.normal->getName(), cpu);
     QCOMPARE(verdict.beta->getName(), cpu);
 }
