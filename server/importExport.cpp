@@ -5,6 +5,7 @@
 #include "data/benchXml.h"
 #include "data/estimate.h"
 #include "server/uploadCheck.h"
+#include "server/versions.h"
 
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -112,7 +113,7 @@ private:
         list.isBeta = attribute("kind") == QLatin1String("BETA");
         list.made = timeOf(attribute("made"));
         list.content = QByteArray::fromBase64(xml.readElementText().toLatin1());
-        if (list.version <= resultStore::builtInVersion || list.content.isEmpty())
+        if (list.version <= builtInListVersion || list.content.isEmpty())
             return failure(QStringLiteral("this list has no version or no content"));
         lists.append(list);
         ++report.lists;

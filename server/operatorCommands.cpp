@@ -4,7 +4,8 @@
 #include "console/standardStreams.h"
 #include "data/builtInList.h"
 #include "server/importExport.h"
-#include "server/publisher.h"
+#include "server/publication.h"
+#include "server/publishPreview.h"
 #include "server/serverCommand.h"
 
 #include <QFile>
@@ -23,21 +24,50 @@ exitCode succeeded(const QString &text)
     return exitSuccess;
 }
 
-exitCode publish(resultStore &store)
+QString leftOutText(const char *list, qint64 machines)
 {
-    publisher lists(builtInMachines());
-    int uploads = 0;
-    const auto made = [&] { return resultStore::lists{lists.list(false), lists.list(true)}; };
-    const outcome<int> version = store.publish(
-        [&](const storedUpload &upload) {
-            lists.add(upload);
-            ++uploads;
-        },
-        made);
-    if (!version)
-        return failed(QStringLiteral("nothing was published: %1").arg(version.error()));
-    return succeeded(QStringLiteral("Published version %1 from %2 uploads\n")
-                         .arg(QString::number(*version), QString::number(uploads)));
+    return machines == 0 ? QString()
+                         : QStringLiteral("No room on the %1 list for %2 machines\n")
+                               .arg(QLatin1String(list), QString::number(machines));
+}
+
+exitCode publish(resultStore &store, publishOptions options)
+{
+    options.now = QDateTime::currentMSecsSinceEpoch();
+    const QVector<benchResults> builtIn = builtInMachines();
+    const outcome<publishReport> report = publication(store, builtIn, options).run();
+    if (!report)
+        return failed(QStringLiteral("publishing has failed: %1").arg(report.error()));
+    const QString version = QString::number(report->version);
+    const QString first =
+        report->isNew ? QStringLiteral("Published version %1 from %2 uploads\n")
+                            .arg(version, QString::number(report->uploads))
+                      : QStringLiteral("Nothing has changed, version %1 stays\n").arg(version);
+    return succeeded(first + leftOutText("normal", report->leftOut)
+                     + leftOutText("BETA", report->leftOutBeta));
+}
+
+QString changesText(const char *list, const QStringList &lines)
+{
+    QString text;
+    for (const QString &line : lines)
+        text += QString::fromLatin1(list).leftJustified(6) + QStringLiteral("  ") + line
+                + QLatin1Char('\n');
+    return text;
+}
+
+exitCode showWhatWouldChange(resultStore &store, ruleSet rules)
+{
+    const outcome<publishPreview> preview = previewOf(store, builtInMachines(), rules);
+    if (!preview)
+        return failed(preview.error());
+    if (!preview->isNew)
+        return succeeded(
+            QStringLiteral("Nothing would change, version %1 stays\n").arg(preview->version));
+    return succeeded(
+        changesText("normal", preview->normal) + changesText("BETA", preview->beta)
+        + QStringLiteral("Nothing was changed; publish would make a version after %1\n")
+              .arg(preview->version));
 }
 
 exitCode importFile(resultStore &store, const QString &path)
@@ -107,16 +137,25 @@ exitCode list(resultStore &store)
     return done ? exitSuccess : failed(done.error());
 }
 
+/// What only reads must not even make a file.
+databaseUse useOf(const serverCommand &command)
+{
+    const bool isReading = command.isDryRun || command.wanted == serverCommand::list
+                           || command.wanted == serverCommand::exportAll;
+    return isReading ? databaseUse::reading : databaseUse::operating;
+}
+
 } // namespace
 
 exitCode runOperatorCommand(const serverCommand &command)
 {
-    resultStore store(command.options.database);
+    resultStore store(command.options.database, useOf(command));
     if (const outcome<void> isOpen = store.open(); !isOpen)
         return failed(QStringLiteral("the database cannot be opened: %1").arg(isOpen.error()));
     switch (command.wanted) {
     case serverCommand::publish:
-        return publish(store);
+        return command.isDryRun ? showWhatWouldChange(store, command.publishing.rules)
+                                : publish(store, command.publishing);
     case serverCommand::importFile:
         return importFile(store, command.file);
     case serverCommand::exportAll:

@@ -3,6 +3,7 @@
 
 #include "server/rules/sourceToken.h"
 #include "server/schema.h"
+#include "server/versions.h"
 
 #include <QHash>
 
@@ -126,12 +127,18 @@ outcome<void> resultStore::insert(const QVector<storedUpload> &uploads)
         columns);
 }
 
-outcome<void> resultStore::insertList(const storedList &list)
+outcome<void> resultStore::insertLists(const QVector<storedList> &newLists)
 {
-    return db.change(QStringLiteral("INSERT INTO lists (version, is_beta, made, content)"
-                                    " VALUES (?, ?, ?, ?) ON CONFLICT (version, is_beta)"
-                                    " DO NOTHING"),
-                     {list.version, list.isBeta ? 1 : 0, list.made, list.content});
+    outcome<void> done;
+    for (const storedList &list : newLists) {
+        done = done.and_then([&] {
+            return db.change(QStringLiteral("INSERT INTO lists (%1) VALUES (?, ?, ?, ?)"
+                                            " ON CONFLICT (version, is_beta) DO NOTHING")
+                                 .arg(listColumns),
+                             {list.version, list.isBeta ? 1 : 0, list.made, list.content});
+        });
+    }
+    return done;
 }
 
 outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
@@ -158,7 +165,7 @@ outcome<void> resultStore::add(const QVector<storedUpload> &uploads)
 outcome<int> resultStore::newestVersion()
 {
     return db.number(QStringLiteral("SELECT max(version) FROM lists")).map([](qint64 newest) {
-        return newest == 0 ? builtInVersion : static_cast<int>(newest);
+        return newest == 0 ? builtInListVersion : static_cast<int>(newest);
     });
 }
 
@@ -211,48 +218,9 @@ outcome<bool> resultStore::withdraw(qint64 id, const QString &reason)
     });
 }
 
-outcome<int> resultStore::publish(const std::function<void(const storedUpload &)> &take,
-                                  const listMaker &make)
-{
-    return db.write([&] { return insertNextLists(take, make); });
-}
-
-outcome<int> resultStore::insertNextLists(const std::function<void(const storedUpload &)> &take,
-                                          const listMaker &make)
-{
-    const outcome<int> newest = newestVersion();
-    qint64 lastUpload = 0;
-    const outcome<void> isRead = newest.and_then([&](int) {
-        return forEachUpload([&](const storedUpload &upload) {
-            lastUpload = upload.id;
-            take(upload);
-        });
-    });
-    if (!isRead)
-        return failure(isRead.error());
-    const int version = std::max(*newest, builtInVersion) + 1;
-    const lists made = make();
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    return insertList({version, false, now, made.normal})
-        .and_then([&] {
-            return insertList({version, true, now, made.beta});
-        })
-        // One that arrived since the uploads were read is not in the list.
-        .and_then([&] {
-            return db.change(QStringLiteral("UPDATE uploads SET state = 'published' WHERE"
-                                            " state = 'received' AND is_empty = 0 AND id <= ?"),
-                             {lastUpload});
-        })
-        .map([version] { return version; });
-}
-
 outcome<void> resultStore::restore(const QVector<storedUpload> &uploads,
                                    const QVector<storedList> &newLists)
 {
-    return db.write([&] {
-        outcome<void> done = insert(uploads);
-        for (const storedList &list : newLists)
-            done = done.and_then([&] { return insertList(list); });
-        return done;
-    });
+    return db.write(
+        [&] { return insert(uploads).and_then([&] { return insertLists(newLists); }); });
 }

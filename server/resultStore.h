@@ -24,9 +24,6 @@ struct storedList {
 class resultStore
 {
 public:
-    /// The version of the list inside the programs; the first list published here gets the next.
-    static constexpr int builtInVersion = 1010;
-
     explicit resultStore(const databaseAddress &address, databaseUse use = databaseUse::serving)
         : db(address, use)
     {
@@ -71,16 +68,8 @@ public:
     /// Marks an upload as withdrawn. False if there is none with this number.
     outcome<bool> withdraw(qint64 id, const QString &reason);
 
-    /// What publishing makes of all uploads: the packed XML of the normal and of the BETA list.
-    struct lists {
-        QByteArray normal;
-        QByteArray beta;
-    };
-    using listMaker = std::function<lists()>;
-    /// Stores the next version, marks the uploads in it as published, and returns its number.
-    /// @p take gets each upload before @p make is called; nobody else can publish meanwhile.
-    outcome<int> publish(const std::function<void(const storedUpload &)> &take,
-                         const listMaker &make);
+    /// Adds @p newLists as they are, within a transaction that writes.
+    outcome<void> insertLists(const QVector<storedList> &newLists);
 
     /// Adds uploads and lists as they are, without those that are there already, all or none.
     outcome<void> restore(const QVector<storedUpload> &uploads,
@@ -92,9 +81,6 @@ private:
     /// ahead may have begun the next day already, whose key then stands for this one too.
     outcome<QByteArray> sourceKey(qint64 day);
     outcome<void> insert(const QVector<storedUpload> &uploads);
-    outcome<void> insertList(const storedList &list);
-    /// What publish does, within its transaction.
-    outcome<int> insertNextLists(const std::function<void(const storedUpload &)> &take,
-                                 const listMaker &make);
+
     database db;
 };

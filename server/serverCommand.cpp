@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/serverCommand.h"
 
+#include "server/versions.h"
+
 #include <QCommandLineParser>
 
 #include <algorithm>
@@ -44,6 +46,20 @@ const QCommandLineOption
 const QCommandLineOption whyOption(QStringLiteral("why"),
                                    QStringLiteral("withdraw: the reason, which is kept."),
                                    QStringLiteral("TEXT"));
+
+const QCommandLineOption
+    dryRunOption(QStringLiteral("dry-run"),
+                 QStringLiteral("publish: shows what would change, and changes nothing."));
+const QCommandLineOption circleOption(
+    QStringLiteral("circle"),
+    QStringLiteral(
+        "publish: for a small circle that trusts itself, where one upload makes a machine."));
+const QCommandLineOption afreshOption(
+    QStringLiteral("afresh"),
+    QStringLiteral("publish: works out every machine again, also those without new uploads."));
+const QCommandLineOption aboveOption(QStringLiteral("above"),
+                                     QStringLiteral("publish: the next version is above this one."),
+                                     QStringLiteral("VERSION"));
 
 outcome<void> readListen(const QString &text, serverCommand &command)
 {
@@ -93,6 +109,23 @@ outcome<void> readServeOptions(const QCommandLineParser &parser, serverCommand &
     return done;
 }
 
+outcome<void> readPublishOptions(const QCommandLineParser &parser, serverCommand &command)
+{
+    command.isDryRun = parser.isSet(dryRunOption);
+    command.publishing.isAfresh = parser.isSet(afreshOption);
+    command.publishing.rules = parser.isSet(circleOption) ? ruleSet::circle : ruleSet::open;
+    if (!parser.isSet(aboveOption))
+        return {};
+    const QString text = parser.value(aboveOption);
+    const std::optional<int> above = wholeNumber(text, 0, largestVersion - 1);
+    if (!above) {
+        return failure(QStringLiteral("--above takes a number from 0 to %1, not '%2'")
+                           .arg(QString::number(largestVersion - 1), text));
+    }
+    command.publishing.above = *above;
+    return {};
+}
+
 outcome<void> readWithdrawal(const QCommandLineParser &parser, serverCommand &command)
 {
     bool isNumber = false;
@@ -107,6 +140,27 @@ outcome<void> readWithdrawal(const QCommandLineParser &parser, serverCommand &co
     return {};
 }
 
+/// Whether the options are those of @p action.
+outcome<void> checkOptions(const QCommandLineParser &parser, serverCommand::action action)
+{
+    const auto check = [&](const QVector<QCommandLineOption> &options, serverCommand::action owner,
+                           const char *name) -> outcome<void> {
+        for (const QCommandLineOption &option : options) {
+            if (parser.isSet(option) && action != owner)
+                return failure(QStringLiteral("--%1 is an option of %2")
+                                   .arg(option.names().first(), QLatin1String(name)));
+        }
+        return {};
+    };
+    return check({listenOption, uploadLimitOption, connectionsOption, proxyOption},
+                 serverCommand::serve, "serve")
+        .and_then([&] {
+            return check({dryRunOption, circleOption, afreshOption, aboveOption},
+                         serverCommand::publish, "publish");
+        })
+        .and_then([&] { return check({whyOption}, serverCommand::withdraw, "withdraw"); });
+}
+
 /// Reads what belongs to the verb.
 outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serverCommand &command)
 {
@@ -116,21 +170,15 @@ outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serv
                            .arg(QLatin1String(found.name), QString::number(found.arguments),
                                 QString::number(rest.size())));
     }
-    const QVector<QCommandLineOption> ofServe = {listenOption, uploadLimitOption, connectionsOption,
-                                                 proxyOption};
-    for (const QCommandLineOption &option : ofServe) {
-        if (parser.isSet(option) && found.action != serverCommand::serve) {
-            return failure(
-                QStringLiteral("--%1 is an option of serve").arg(option.names().first()));
-        }
-    }
-    if (parser.isSet(whyOption) && found.action != serverCommand::withdraw)
-        return failure(QStringLiteral("--why is an option of withdraw"));
+    if (const outcome<void> known = checkOptions(parser, found.action); !known)
+        return known;
     command.wanted = found.action;
     if (found.action == serverCommand::importFile)
         command.file = rest.first();
     if (found.action == serverCommand::withdraw)
         return readWithdrawal(parser, command);
+    if (found.action == serverCommand::publish)
+        return readPublishOptions(parser, command);
     return readServeOptions(parser, command);
 }
 
@@ -180,7 +228,8 @@ parsed<serverCommand> parseServerCommand(const QStringList &arguments,
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("One of the above."),
                                  QStringLiteral("command [argument]"));
     parser.addOptions({databaseOption, listenOption, uploadLimitOption, connectionsOption,
-                       proxyOption, whyOption});
+                       proxyOption, whyOption, dryRunOption, circleOption, afreshOption,
+                       aboveOption});
     if (const auto closing = readOptions(parser, arguments, serverProgramName()))
         return tl::unexpected(*closing);
     return readCommand(parser, defaultDatabase).map_error([](const QString &sentence) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "console/options.h"
+#include "server/publication.h"
 #include "server/resultServer.h"
 
 #include <QString>
@@ -18,6 +19,8 @@ struct serverCommand {
     QString file;   ///< to import
     qint64 id = 0;  ///< of the upload to withdraw
     QString reason; ///< why it is withdrawn
+    publishOptions publishing;
+    bool isDryRun = false; ///< shows what would change, and changes nothing
 };
 
 /// Reads @p arguments, the program's own name first. @p defaultDatabase is the file that is used

@@ -41,8 +41,8 @@ private slots:
     void uploads();
     void strangeTexts_data() { storeFixture::addProducts(); }
     void strangeTexts();
-    void publishing_data() { storeFixture::addProducts(); }
-    void publishing();
+    void lists_data() { storeFixture::addProducts(); }
+    void lists();
     void withdrawing_data() { storeFixture::addProducts(); }
     void withdrawing();
     void threads_data() { storeFixture::addProducts(); }
@@ -156,33 +156,25 @@ void tst_resultStore::strangeTexts()
     QCOMPARE(uploadsIn(store).first().reason, name);
 }
 
-void tst_resultStore::publishing()
+void tst_resultStore::lists()
 {
     resultStore store(fixture->address());
     QVERIFY(store.open());
-    QVERIFY(store.add({numbered(0), numbered(1)}));
-    int taken = 0;
-    const auto take = [&taken](const storedUpload &) { ++taken; };
-    const auto made = [] { return resultStore::lists{"1st", "1st beta"}; };
-    const auto version = store.publish(take, made);
-    QCOMPARE(version.value_or(-1), 1011);
-    QCOMPARE(taken, 2);
-    // One of nothing but zeros is not in any list.
-    QCOMPARE(statesIn(store), QStringLiteral("received published"));
-    QCOMPARE(publish(store).value_or(-1), 1012);
-
+    QVERIFY(addLists(store, 1012));
+    QVERIFY(addLists(store, 1011));
     resultStore second(fixture->address());
     QVERIFY(second.open());
     QCOMPARE(second.newestVersion().value_or(-1), 1012);
-    QCOMPARE(second.newestList(false)->content, QByteArray("normal"));
-    QCOMPARE(second.newestList(true)->content, QByteArray("be\0ta", 5));
+    QCOMPARE(qUncompress(second.newestList(false)->content), QByteArray("<normal/>"));
+    QCOMPARE(qUncompress(second.newestList(true)->content), QByteArray("<beta/>"));
     QCOMPARE(second.newestList(true)->version, 1012);
-    QVERIFY(second.newestList(true)->made > 0);
+    QCOMPARE(second.newestList(true)->made, qint64(3'012));
     QStringList lists;
     QVERIFY(second.forEachList([&lists](const storedList &list) {
-        lists.append(QString::number(list.version) + QString::fromLatin1(list.content.left(5)));
+        lists.append(QStringLiteral("%1 %2").arg(list.version).arg(list.isBeta));
     }));
-    QCOMPARE(lists.join(QLatin1Char(' ')).left(20), QStringLiteral("10111st 10111st b 10"));
+    QCOMPARE(lists, QStringList({QStringLiteral("1011 0"), QStringLiteral("1011 1"),
+                                 QStringLiteral("1012 0"), QStringLiteral("1012 1")}));
 }
 
 void tst_resultStore::withdrawing()
@@ -195,10 +187,9 @@ void tst_resultStore::withdrawing()
     QCOMPARE(store.withdraw(id, QStringLiteral("why")).value(), true);
     QCOMPARE(statesIn(store), QStringLiteral("received withdrawn"));
     QCOMPARE(uploadsIn(store).at(1).reason, QStringLiteral("why"));
-    // Neither publishing nor the same upload again brings it back.
-    QVERIFY(publish(store).has_value());
+    // The same upload again does not bring it back.
     QVERIFY(store.add({numbered(2)}));
-    QCOMPARE(statesIn(store), QStringLiteral("published withdrawn"));
+    QCOMPARE(statesIn(store), QStringLiteral("received withdrawn"));
 }
 
 void tst_resultStore::threads()

@@ -69,6 +69,7 @@ void tst_serverCommand::verbs_data()
 {
     QTest::addColumn<int>("action");
     QTest::newRow("publish") << int(serverCommand::publish);
+    QTest::newRow("publish --dry-run --circle --afresh --above 7") << int(serverCommand::publish);
     QTest::newRow("import a.xml") << int(serverCommand::importFile);
     QTest::newRow("export") << int(serverCommand::exportAll);
     QTest::newRow("list --database sqlite:x") << int(serverCommand::list);
@@ -78,6 +79,11 @@ void tst_serverCommand::verbs()
 {
     const serverCommand command = commandOf(QString::fromLatin1(QTest::currentDataTag()));
     QTEST(int(command.wanted), "action");
+    const bool hasOptions = QByteArray(QTest::currentDataTag()).contains("--circle");
+    QCOMPARE(command.isDryRun, hasOptions);
+    QCOMPARE(command.publishing.isAfresh, hasOptions);
+    QCOMPARE(command.publishing.rules, hasOptions ? ruleSet::circle : ruleSet::open);
+    QCOMPARE(command.publishing.above, hasOptions ? 7 : 0);
     if (command.wanted == serverCommand::importFile)
         QCOMPARE(command.file, QStringLiteral("a.xml"));
 }
@@ -116,6 +122,12 @@ void tst_serverCommand::errors_data()
     row("publish --listen localhost:1", "--listen is an option of serve");
     row("list --behind-proxy", "--behind-proxy is an option of serve");
     row("list --why x", "--why is an option of withdraw");
+    row("list --dry-run", "--dry-run is an option of publish");
+    row("serve --circle", "--circle is an option of publish");
+    row("import x --afresh", "--afresh is an option of publish");
+    row("export --above 3", "--above is an option of publish");
+    row("publish --above x", "--above takes a number from 0 to 1999999999, not 'x'");
+    row("publish --above 2000000000", "--above takes a number from 0 to 1999999999");
     row("withdraw 1", "withdraw needs a reason: --why TEXT");
     row("withdraw x --why y", "withdraw takes the number of an upload, not 'x'");
     row("withdraw 0 --why y", "withdraw takes the number of an upload, not '0'");

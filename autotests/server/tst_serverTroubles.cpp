@@ -4,10 +4,12 @@
 
 #include "data/benchXml.h"
 #include "data/httpDatabase.h"
+#include "server/resultStore.h"
 
 #include "postgresServer.h"
 #include "support/serverProcess.h"
 #include "support/uploads.h"
+#include "support/wholeRuns.h"
 
 #include <QSet>
 #include <QtTest>
@@ -90,13 +92,21 @@ std::vector<int> uploadUntilKilled(quint16 port, int from, std::atomic<int> &cou
     rawClient client(port);
     for (int i = from; client.socket.state() == QAbstractSocket::ConnectedState; ++i) {
         const QByteArray xml =
-            uploadXml("m" + QByteArray::number(i), "cpu", QByteArray::number(1 + i % 900));
+            uploadXml("m" + QByteArray::number(i), "Any CPU", QByteArray::number(1 + i % 900));
         if (statusOf(client.post(uploadForm(xml))) == 200) {
             acknowledged.push_back(i);
             ++count;
         }
     }
     return acknowledged;
+}
+
+/// The XML of a whole run of a processor.
+QByteArray sharedRun(int number)
+{
+    const benchResults run =
+        wholeRun(QStringLiteral("Shared CPU"), 1.0F + 0.1F * static_cast<float>(number));
+    return "<F>" + stored(run).content + "</F>";
 }
 
 } // namespace
@@ -125,11 +135,13 @@ void tst_serverTroubles::databaseThatCannotBeOpened()
 /// The connection to the database does not get the number of a standard handle that is missing.
 void tst_serverTroubles::outputThatIsClosed()
 {
+    const QString database = postgres->newDatabase();
+    QVERIFY(resultStore(*parseDatabaseAddress(database)).open());
     QProcess process;
     process.start(QStringLiteral("sh"),
                   {QStringLiteral("-c"),
                    QStringLiteral("exec \"$0\" list --database \"$1\" >&- 0>&-"),
-                   QStringLiteral(FENNICK_SERVER), postgres->newDatabase()});
+                   QStringLiteral(FENNICK_SERVER), database});
     QVERIFY(process.waitForFinished(60'000));
     QCOMPARE(process.exitCode(), 1);
     QCOMPARE(process.readAllStandardError(),
@@ -238,15 +250,13 @@ void tst_serverTroubles::twoProcessesOnOneDatabase()
     QVERIFY(first.isListening() && second.isListening());
     for (int i = 1; i <= 3; ++i) {
         const quint16 port = i % 2 == 0 ? first.port : second.port;
-        QCOMPARE(statusOf(rawClient(port).post(
-                     uploadForm(uploadXml("x", "Shared CPU", QByteArray::number(i))))),
-                 200);
+        QCOMPARE(statusOf(rawClient(port).post(uploadForm(sharedRun(i)))), 200);
     }
     // The same upload at the other one is still one.
-    QCOMPARE(statusOf(rawClient(first.port).post(uploadForm(uploadXml("x", "Shared CPU", "3")))),
-             200);
+    QCOMPARE(statusOf(rawClient(first.port).post(uploadForm(sharedRun(3)))), 200);
     QCOMPARE(listed(database), 3);
-    QCOMPARE(serverProcess::run({QStringLiteral("publish"), QStringLiteral("--database"), database})
+    QCOMPARE(serverProcess::run({QStringLiteral("publish"), QStringLiteral("--circle"),
+                                 QStringLiteral("--database"), database})
                  .code,
              0);
     QByteArray lists[2];
@@ -254,7 +264,7 @@ void tst_serverTroubles::twoProcessesOnOneDatabase()
         httpDatabase client(server->host());
         QByteArray version;
         QVERIFY(client.request(httpDatabase::referenceVersion, version));
-        QCOMPARE(version, QByteArray("1011"));
+        QVERIFY(version.toInt() > 1010);
         QVERIFY(client.request(httpDatabase::reference, lists[server == &first ? 0 : 1]));
     }
     QCOMPARE(lists[0], lists[1]);
