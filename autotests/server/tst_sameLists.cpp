@@ -27,9 +27,10 @@ constexpr qint64 day = 86'400'000;
 QVector<storedUpload> allUploads()
 {
     const QVector<benchResults> builtIn = builtInMachines();
-    QStringList processors = {"Beta",    "beta",       "BETA CPU", "Be-ta",
-                              "Be ta",   "\u00C4ther", "Zeta",     "\u042D\u043B",
-                              "alpha_1", "Alpha 10",   "alpha 2"};
+    QStringList processors;
+    for (const char *name : {"Beta", "beta", "BETA CPU", "Be-ta", "Be ta", "\u00C4ther", "Zeta",
+                             "\u042D\u043B", "alpha_1", "Alpha 10", "alpha 2"})
+        processors.append(QString::fromUtf8(name));
     for (int i = 0; i < 8; ++i)
         processors.append(builtIn.at(i * 20).getCpu());
     std::mt19937 random(7);
