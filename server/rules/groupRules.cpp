@@ -80,7 +80,8 @@ QVector<statement> statementsIn(const QVector<countedUpload> &uploads)
             machines.append(upload.machine);
             first = std::min(first, upload.received);
         }
-        statements.append({entry.key().first, entry.key().second, first, middleOf(machines)});
+        const benchResults one = machines.size() == 1 ? machines.first() : middleOf(machines);
+        statements.append({entry.key().first, entry.key().second, first, one});
     }
     return statements;
 }
