@@ -2,7 +2,6 @@
 #include "server/storeThreads.h"
 
 #include "server/log.h"
-#include "server/rules/sourceToken.h"
 
 #include <algorithm>
 #include <iterator>
@@ -94,13 +93,12 @@ void storeThreads::newestList(bool isBeta, listTaker take)
     });
 }
 
-void storeThreads::add(storedUpload upload, QByteArray network, resultTaker take)
+void storeThreads::add(storedUpload upload, resultTaker take)
 {
     {
         const std::lock_guard lock(mutex);
         if (!isEnding && writes.size() < maximumBacklog) {
-            writes.push_back(
-                {std::move(upload), std::move(network), std::move(take), clock::now()});
+            writes.push_back({std::move(upload), std::move(take), clock::now()});
             writesChanged.notify_one();
             return;
         }
@@ -199,7 +197,10 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
     });
     if (batch.empty())
         return;
-    const outcome<void> areStored = twice(to, [&] { return add(to, batch); });
+    QVector<storedUpload> uploads;
+    for (const writeJob &job : batch)
+        uploads.append(job.upload);
+    const outcome<void> areStored = twice(to, [&] { return to.add(uploads); });
     if (!areStored && batch.size() > 1) {
         // One that the database refuses must not cost the rest of its batch.
         for (writeJob &job : batch)
@@ -210,22 +211,4 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
         writeLog(QStringLiteral("not stored: %1").arg(areStored.error()));
     for (const writeJob &job : batch)
         job.take(areStored.has_value());
-}
-
-outcome<void> storeThreads::add(resultStore &to, const std::vector<writeJob> &batch)
-{
-    const qint64 today = dayOf(QDateTime::currentMSecsSinceEpoch());
-    if (today != keyDay) {
-        const outcome<QByteArray> key = to.sourceKey(today, newDayKey());
-        if (!key)
-            return failure(key.error());
-        keyDay = today;
-        sourceKey = *key;
-    }
-    QVector<storedUpload> uploads;
-    for (const writeJob &job : batch) {
-        uploads.append(job.upload);
-        uploads.last().source = sourceToken(job.network, sourceKey);
-    }
-    return to.add(uploads);
 }
