@@ -2,6 +2,7 @@
 #pragma once
 
 #include "console/options.h"
+#include "server/operatorOptions.h"
 #include "server/publication.h"
 #include "server/resultServer.h"
 
@@ -10,15 +11,14 @@
 
 /// What the arguments of fennick-server ask for.
 struct serverCommand {
-    enum action { serve, publish, importFile, exportAll, withdraw, list };
+    enum action { serve, publish, importFile, exportAll, list, withdraw, restore, accept, forget };
 
     action wanted = serve;
     serverOptions options;
     QString address = QStringLiteral("127.0.0.1");
     int port = 8426;
-    QString file;   ///< to import
-    qint64 id = 0;  ///< of the upload to withdraw
-    QString reason; ///< why it is withdrawn
+    QString file; ///< to import
+    operatorRequest request;
     publishOptions publishing;
     bool isDryRun = false; ///< shows what would change, and changes nothing
 };
