@@ -121,7 +121,7 @@ everything() {
         try $person ./test.sh
         [ $person = root ] || try $person ./test.sh ci-clang
         [ $person = root ] || chroot "$root" dpkg-query -W -f '${Package} ${Version}\n' \
-            g++ clang cmake qtbase5-dev libcpp-httplib-dev || true
+            g++ clang cmake qtbase5-dev libboost-dev || true
     done
     printf '%s\n' "${report[@]}"
     [ $failures -eq 0 ]

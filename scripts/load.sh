@@ -25,7 +25,8 @@ as_user() {
 
 # serve DATABASE: starts a server; sets port.
 serve() {
-    "$programs/fennick-server" serve --listen 127.0.0.1:0 --upload-limit 0/1 --database "$1" \
+    "$programs/fennick-server" serve --listen 127.0.0.1:0 --upload-limit 0/1 --read-limit 0/1 \
+        --connections-per-address 20000 --database "$1" \
         > "$work/out" 2> "$work/err" &
     server=$!
     until grep -q Listening "$work/out"; do sleep 0.1; done

@@ -40,9 +40,7 @@ need_build_tools() {
 
 # The result database's; the benchmark does without.
 need_server_tools() {
-    need has_command pkg-config pkgconf
-    need has_header httplib.h libcpp-httplib-dev
-    need has_header openssl/ssl.h libssl-dev
+    need has_header boost/beast.hpp libboost-dev
     need has_header unicode/uspoof.h libicu-dev
     need has_file qt5/plugins/sqldrivers/libqsqlite.so libqt5sql5-sqlite
 }

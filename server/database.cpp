@@ -22,9 +22,13 @@ QString uniqueName()
     return QStringLiteral("connection %1").arg(++count);
 }
 
+/// The first line, in one sentence: the lines behind it may quote what was to be stored.
 failure failureOf(const QSqlError &error)
 {
-    return failure(error.text().trimmed());
+    QString text = error.databaseText().section(QLatin1Char('\n'), 0, 0).simplified();
+    if (text.startsWith(QLatin1String("ERROR: ")))
+        text.remove(0, 7);
+    return failure(text.isEmpty() ? error.text().simplified() : text);
 }
 
 /// The outcome of @p query, where @p isDone says whether it was executed.
@@ -197,7 +201,7 @@ outcome<void> database::beginWriting()
     if (!begun)
         return begun;
     const outcome<void> isAlone =
-        change(QStringLiteral("SELECT pg_advisory_xact_lock(?)"), {writersLock});
+        change(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(writersLock));
     if (!isAlone)
         execute(QStringLiteral("ROLLBACK"));
     return isAlone;

@@ -71,14 +71,14 @@ exitCode showWhatWouldChange(resultStore &store, ruleSet rules)
               .arg(preview->version));
 }
 
-exitCode importFile(resultStore &store, const QString &path)
+exitCode importFile(resultStore &store, const QString &path, bool isEndOptional)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return failed(QStringLiteral("'%1' cannot be read: %2").arg(path, file.errorString()));
     }
     const outcome<importReport> report =
-        importFrom(file, store, QDateTime::currentMSecsSinceEpoch());
+        importFrom(file, store, {QDateTime::currentMSecsSinceEpoch(), isEndOptional});
     if (!report) {
         return failed(
             QStringLiteral("nothing was imported from '%1': %2").arg(path, report.error()));
@@ -123,7 +123,7 @@ exitCode runOperatorCommand(const serverCommand &command)
         return command.isDryRun ? showWhatWouldChange(store, command.publishing.rules)
                                 : publish(store, command.publishing);
     case serverCommand::importFile:
-        return importFile(store, command.file);
+        return importFile(store, command.file, command.isEndOptional);
     case serverCommand::exportAll:
         return exportToOutput(store);
     case serverCommand::withdraw:

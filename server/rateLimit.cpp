@@ -2,42 +2,52 @@
 #include "server/rateLimit.h"
 
 #include <algorithm>
+#include <cmath>
 
-namespace
-{
-
-/// Some 10 MB. When more addresses than that send requests within a period, new ones have to wait.
-constexpr std::size_t maximumAddresses = 100'000;
-
-} // namespace
-
-bool rateLimit::isAllowed(const std::string &address, clock::time_point now)
+bool rateLimit::hasToken(const ipAddress &account, clock::time_point now)
 {
     if (capacity <= 0)
         return true;
     const std::lock_guard lock(mutex);
-    if (buckets.size() >= maximumAddresses && buckets.find(address) == buckets.end()) {
-        forgetFullOnes(now);
-        if (buckets.size() >= maximumAddresses)
-            return false;
-    }
-    const auto full = static_cast<double>(capacity);
-    bucket &own = buckets.try_emplace(address, bucket{full, now}).first->second;
-    const std::chrono::duration<double> passed = now - own.filled;
-    own.tokens = std::min(full, own.tokens + full * (passed / period));
-    own.filled = now;
+    return fill(account, now).tokens >= 1;
+}
+
+bool rateLimit::take(const ipAddress &account, clock::time_point now)
+{
+    if (capacity <= 0)
+        return true;
+    const std::lock_guard lock(mutex);
+    bucket &own = fill(account, now);
     if (own.tokens < 1)
         return false;
     own.tokens -= 1;
     return true;
 }
 
-void rateLimit::forgetFullOnes(clock::time_point now)
+int rateLimit::secondsPerToken() const
 {
-    for (auto entry = buckets.begin(); entry != buckets.end();) {
-        if (now - entry->second.filled >= period)
-            entry = buckets.erase(entry);
-        else
-            ++entry;
+    if (capacity <= 0)
+        return 1;
+    return std::max(1, static_cast<int>(std::ceil(static_cast<double>(period.count()) / capacity)));
+}
+
+rateLimit::bucket &rateLimit::fill(const ipAddress &account, clock::time_point now)
+{
+    const auto full = static_cast<double>(capacity);
+    const auto found = places.find(account);
+    if (found == places.end()) {
+        buckets.push_front({account, full, now});
+        places.emplace(account, buckets.begin());
+        if (buckets.size() > mostAccounts) {
+            places.erase(buckets.back().account);
+            buckets.pop_back();
+        }
+        return buckets.front();
     }
+    buckets.splice(buckets.begin(), buckets, found->second);
+    bucket &own = buckets.front();
+    const std::chrono::duration<double> passed = now - own.filled;
+    own.tokens = std::min(full, own.tokens + full * (passed / period));
+    own.filled = now;
+    return own;
 }

@@ -3,23 +3,41 @@
 
 #include "server/formItems.h"
 #include "server/log.h"
+#include "server/rules/sourceToken.h"
 #include "server/uploadCheck.h"
+
+#include <boost/asio/post.hpp>
 
 #include <QFile>
 
 namespace
 {
 
-constexpr int readers = 2;
+const std::string endpoint = "/php/Fennick/mcp.php";
+const std::string healthPage = "/health";
+const std::string readingHealthPage = "/health/reading";
 
-answer textAnswer(int status, const QString &line)
-{
-    return {status, line.toUtf8() + '\n', true};
-}
+/// Those that read uploads, of which one takes some hundred microseconds.
+constexpr int workerThreads = 2;
+constexpr int maximumBacklog = 2'000;
+/// A larger form is an upload, or nonsense.
+constexpr std::size_t smallForm = 1024;
 
 answer unavailable()
 {
     return textAnswer(503, QStringLiteral("the database does not answer; please try again later"));
+}
+
+answer busy()
+{
+    return textAnswer(503, QStringLiteral("too much is waiting; please try again later"));
+}
+
+answer tooMany(const rateLimit &limit, const QString &sentence)
+{
+    answer refused = textAnswer(429, sentence);
+    refused.retryAfter = limit.secondsPerToken();
+    return refused;
 }
 
 QByteArray builtIn()
@@ -28,101 +46,161 @@ QByteArray builtIn()
     return file.open(QIODevice::ReadOnly) ? qCompress(file.readAll()) : QByteArray();
 }
 
-void send(const answer &from, httplib::Response &to)
-{
-    to.status = from.status;
-    to.set_content(from.body.constData(), static_cast<std::size_t>(from.body.size()),
-                   from.isText ? "text/plain; charset=utf-8" : "application/octet-stream");
-}
-
 } // namespace
 
-resultServer::resultServer(const serverOptions &wanted)
+resultServer::resultServer(asio::io_context &loop, const serverOptions &wanted)
     : options(wanted),
-      store(wanted.database, readers),
-      uploadLimit(wanted.uploads, wanted.period),
+      uploadLimit(wanted.uploads, wanted.uploadPeriod),
+      readLimit(wanted.reads, wanted.readPeriod),
       builtInList(builtIn()),
-      http(wanted.connections)
+      store(wanted.database),
+      workers(workerThreads),
+      http(loop, wanted.limits, makeHost())
 {
-    addRoutes();
 }
 
-void resultServer::addRoutes()
+resultServer::~resultServer()
 {
-    http.Get("/health", [this](const httplib::Request &, httplib::Response &response) {
-        send(health(), response);
+    workers.join();
+}
+
+bool resultServer::finish(std::chrono::milliseconds longest)
+{
+    workers.join();
+    return store.end(longest);
+}
+
+connectionHost resultServer::makeHost()
+{
+    connectionHost host;
+    host.resources = {{endpoint, resource::form},
+                      {healthPage, resource::page},
+                      {readingHealthPage, resource::page}};
+    host.trustedProxies = options.trustedProxies;
+    host.handle = [this](const httpRequest &request, const replier &reply) {
+        take(request, reply);
+    };
+    return host;
+}
+
+void resultServer::take(const httpRequest &request, const replier &reply)
+{
+    if (request.path == endpoint && request.body.size() > smallForm) {
+        if (!doElsewhere([this, request, reply] { form(request, reply); }))
+            reply(busy());
+    } else if (request.path == endpoint) {
+        form(request, reply);
+    } else if (!readLimit.take(accountOf(request.client))) {
+        reply(tooMany(readLimit, QStringLiteral("too many requests; please try again later")));
+    } else {
+        health(request.path == healthPage, reply);
+    }
+}
+
+bool resultServer::doElsewhere(std::function<void()> work)
+{
+    if (backlog >= maximumBacklog)
+        return false;
+    ++backlog;
+    asio::post(workers, [this, work = std::move(work)] {
+        work();
+        --backlog;
     });
-    http.Post("/php/Fennick/mcp.php",
-              [this](const httplib::Request &request, httplib::Response &response,
-                     const httplib::ContentReader &content) {
-                  QByteArray body;
-                  content([&body](const char *data, std::size_t size) {
-                      body.append(data, static_cast<int>(size));
-                      return true; // its size has been checked before
-                  });
-                  send(respond(body, clientOf(request)), response);
+    return true;
+}
+
+void resultServer::form(const httpRequest &request, const replier &reply)
+{
+    const auto items = formItems(
+        QByteArray::fromRawData(request.body.data(), static_cast<int>(request.body.size())));
+    if (!items) {
+        reply(textAnswer(400, QStringLiteral("the form cannot be read")));
+        return;
+    }
+    if (items->value("app") != "Fennick") {
+        reply(textAnswer(400, QStringLiteral("requests must come from the app Fennick")));
+        return;
+    }
+    const QByteArray type = items->value("type");
+    if (type == "storeUserData")
+        upload(items->value("results"), request.client, reply);
+    else if (!readLimit.take(accountOf(request.client)))
+        reply(tooMany(readLimit, QStringLiteral("too many requests; please try again later")));
+    else if (type == "getReferenceVersion")
+        version(reply);
+    else if (type == "getReference")
+        list(false, reply);
+    else if (type == "getReferenceBeta")
+        list(true, reply);
+    else
+        reply(textAnswer(400, QStringLiteral("there is no such type of request")));
+}
+
+void resultServer::version(const replier &reply)
+{
+    store.newestVersion([reply](std::optional<int> found) {
+        answer given = unavailable();
+        if (found) {
+            given.status = 200;
+            given.body = QByteArray::number(*found);
+        }
+        reply(given);
+    });
+}
+
+void resultServer::list(bool isBeta, const replier &reply)
+{
+    store.newestList(isBeta, [this, reply](const std::optional<storedList> &found) {
+        if (!found) {
+            reply(unavailable());
+            return;
+        }
+        answer given;
+        given.body = found->version == 0 ? builtInList : found->content;
+        given.contentType = "application/octet-stream";
+        reply(given);
+    });
+}
+
+/// What is no upload counts as a read, so that mistakes do not use up what is for uploads, and
+/// nobody can send them without end.
+void resultServer::upload(const QByteArray &xml, const ipAddress &client, const replier &reply)
+{
+    const ipAddress account = accountOf(client);
+    if (!uploadLimit.hasToken(account) || !readLimit.hasToken(account)) {
+        reply(tooMany(uploadLimit, QStringLiteral("too many uploads; please try again later")));
+        return;
+    }
+    const auto machine = checkUpload(xml);
+    if (!machine) {
+        readLimit.take(account);
+        writeLog(QStringLiteral("upload refused: %1").arg(QLatin1String(machine.error().kind)));
+        reply(textAnswer(machine.error().isReadable ? 422 : 400, machine.error().reason));
+        return;
+    }
+    if (!uploadLimit.take(account)) {
+        reply(tooMany(uploadLimit, QStringLiteral("too many uploads; please try again later")));
+        return;
+    }
+    store.add(makeUpload(*machine, QDateTime::currentMSecsSinceEpoch()),
+              networkOf(QString::fromStdString(client.to_string())), [reply](bool isStored) {
+                  reply(isStored ? textAnswer(200, QStringLiteral("thank you")) : unavailable());
               });
 }
 
-std::string resultServer::clientOf(const httplib::Request &request) const
+void resultServer::health(bool isForWriting, const replier &reply)
 {
-    const std::string forwarded = request.get_header_value("X-Forwarded-For");
-    if (!options.isBehindProxy || forwarded.empty())
-        return request.remote_addr;
-    const std::size_t comma = forwarded.rfind(',');
-    const std::size_t start =
-        forwarded.find_first_not_of(' ', comma == std::string::npos ? 0 : comma + 1);
-    return start == std::string::npos ? request.remote_addr : forwarded.substr(start);
-}
-
-answer resultServer::respond(const QByteArray &body, const std::string &address)
-{
-    const std::optional<QMap<QByteArray, QByteArray>> items = formItems(body);
-    if (!items)
-        return textAnswer(400, QStringLiteral("the form cannot be read"));
-    if (items->value("app") != "Fennick")
-        return textAnswer(400, QStringLiteral("requests must come from the app Fennick"));
-    const QByteArray type = items->value("type");
-    if (type == "getReferenceVersion")
-        return version();
-    if (type == "getReference")
-        return list(false);
-    if (type == "getReferenceBeta")
-        return list(true);
-    if (type == "storeUserData")
-        return upload(items->value("results"), address);
-    return textAnswer(400, QStringLiteral("there is no such type of request"));
-}
-
-answer resultServer::version()
-{
-    const std::optional<int> found = store.newestVersion();
-    return found ? answer{200, QByteArray::number(*found), true} : unavailable();
-}
-
-answer resultServer::list(bool isBeta)
-{
-    const std::optional<storedList> found = store.newestList(isBeta);
-    if (!found)
-        return unavailable();
-    return {200, found->version == 0 ? builtInList : found->content, false};
-}
-
-answer resultServer::upload(const QByteArray &xml, const std::string &address)
-{
-    if (!uploadLimit.isAllowed(address))
-        return textAnswer(429, QStringLiteral("too many uploads; please try again later"));
-    const auto machine = checkUpload(xml);
-    if (!machine) {
-        writeLog(QStringLiteral("upload refused"));
-        return textAnswer(machine.error().isReadable ? 422 : 400, machine.error().reason);
-    }
-    if (!store.add(makeUpload(*machine, QDateTime::currentMSecsSinceEpoch())))
-        return unavailable();
-    return textAnswer(200, QStringLiteral("thank you"));
-}
-
-answer resultServer::health()
-{
-    return store.newestVersion() ? textAnswer(200, QStringLiteral("ok")) : unavailable();
+    store.newestVersion([this, isForWriting, reply](std::optional<int> found) {
+        if (!found)
+            reply(unavailable());
+        else if (!isForWriting)
+            reply(textAnswer(200, QStringLiteral("ok")));
+        else
+            store.checkWritable([reply](bool isWritable) {
+                reply(isWritable
+                          ? textAnswer(200, QStringLiteral("ok"))
+                          : textAnswer(503, QStringLiteral("lists can be read, but no upload "
+                                                           "can be stored")));
+            });
+    });
 }

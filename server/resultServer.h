@@ -1,53 +1,60 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "server/boundedServer.h"
+#include "server/http/edge.h"
 #include "server/rateLimit.h"
 #include "server/storeThreads.h"
 
+#include <boost/asio/thread_pool.hpp>
+
 #include <QByteArray>
+
+#include <atomic>
 
 struct serverOptions {
     databaseAddress database;
     int uploads = 30; ///< of one address in a period; 0 for no limit
-    std::chrono::seconds period{600};
-    bool isBehindProxy = false; ///< the client is the last address of X-Forwarded-For
-    int connections = 1024;     ///< the most at a time
-};
-
-/// An answer to a request.
-struct answer {
-    int status = 200;
-    QByteArray body;
-    bool isText = true;
+    std::chrono::seconds uploadPeriod{600};
+    int reads = 200; ///< likewise
+    std::chrono::seconds readPeriod{10};
+    std::vector<ipNetwork> trustedProxies;
+    edgeLimits limits;
 };
 
 /// The endpoint of the result database.
 class resultServer
 {
 public:
-    explicit resultServer(const serverOptions &wanted);
+    /// @p loop must outlive it, and be run by one thread.
+    resultServer(asio::io_context &loop, const serverOptions &wanted);
+    resultServer(const resultServer &) = delete;
+    resultServer &operator=(const resultServer &) = delete;
+    ~resultServer();
 
-    /// The port, or -1 if it cannot be bound.
-    int bind(const std::string &address, int port) { return http.bind(address, port); }
-    /// Serves until stop() is called from another thread.
-    bool serve() { return http.serve(); }
-    void stop() { http.end(); }
-
-    /// The answer to a POST of @p body from @p address.
-    answer respond(const QByteArray &body, const std::string &address);
+    /// The port.
+    outcome<int> listen(const std::string &address, int port) { return http.listen(address, port); }
+    /// Takes no more connections. Calls @p whenDone when the requests in progress are answered.
+    void end(std::function<void()> whenDone) { http.end(std::move(whenDone)); }
+    /// To be called when the loop has ended. False if the database hangs: then some threads do too.
+    bool finish(std::chrono::milliseconds longest);
 
 private:
-    void addRoutes();
-    answer version();
-    answer list(bool isBeta);
-    answer upload(const QByteArray &xml, const std::string &address);
-    answer health();
-    std::string clientOf(const httplib::Request &request) const;
+    connectionHost makeHost();
+    void take(const httpRequest &request, const replier &reply);
+    void health(bool isForWriting, const replier &reply);
+    void form(const httpRequest &request, const replier &reply);
+    void version(const replier &reply);
+    void list(bool isBeta, const replier &reply);
+    void upload(const QByteArray &xml, const ipAddress &client, const replier &reply);
+    /// Has @p work done by another thread than that of the loop. False if too much is waiting.
+    bool doElsewhere(std::function<void()> work);
 
     serverOptions options;
-    storeThreads store;
     rateLimit uploadLimit;
+    rateLimit readLimit;
     QByteArray builtInList;
-    boundedServer http;
+    storeThreads store;
+    std::atomic<int> backlog = 0;
+    asio::thread_pool workers;
+    edge http;
 };

@@ -44,13 +44,28 @@ const QCommandLineOption
     connectionsOption(QStringLiteral("connections"),
                       QStringLiteral("serve: the most connections at a time; 1024 if absent."),
                       QStringLiteral("NUMBER"));
-const QCommandLineOption
-    proxyOption(QStringLiteral("behind-proxy"),
-                QStringLiteral("serve: the client is the last address of X-Forwarded-For."));
+const QCommandLineOption readLimitOption(
+    QStringLiteral("read-limit"),
+    QStringLiteral("serve: the most other requests of one address in a period; 200/10 if absent, "
+                   "0/1 for no limit."),
+    QStringLiteral("NUMBER/SECONDS"));
+const QCommandLineOption connectionsOfOneOption(
+    QStringLiteral("connections-per-address"),
+    QStringLiteral("serve: the most connections of one address; 64 if absent."),
+    QStringLiteral("NUMBER"));
+const QCommandLineOption proxyOption(
+    QStringLiteral("trusted-proxy"),
+    QStringLiteral("serve: requests from here come from the last address of X-Forwarded-For; for "
+                   "a proxy on the same machine 127.0.0.1. May be given several times."),
+    QStringLiteral("NETWORK"));
 const QCommandLineOption
     dryRunOption(QStringLiteral("dry-run"),
                  QStringLiteral("publish, withdraw, restore, accept, forget: shows what would "
                                 "change, and changes nothing."));
+const QCommandLineOption
+    endOption(QStringLiteral("without-end"),
+              QStringLiteral(
+                  "import: takes an export of an older server, which says nothing about its end."));
 const QCommandLineOption circleOption(
     QStringLiteral("circle"),
     QStringLiteral(
@@ -73,40 +88,74 @@ outcome<void> readListen(const QString &text, serverCommand &command)
     return {};
 }
 
-outcome<void> readUploadLimit(const QString &text, serverOptions &options)
+/// Reads NUMBER/SECONDS, the argument of @p option, if it is there.
+outcome<void> readLimit(const QCommandLineParser &parser, const QCommandLineOption &option,
+                        int &number, std::chrono::seconds &period)
 {
     constexpr int most = 1'000'000;
+    if (!parser.isSet(option))
+        return {};
+    const QString text = parser.value(option);
     const QStringList parts = text.split(QLatin1Char('/'));
-    const std::optional<int> uploads = wholeNumber(parts.value(0), 0, most);
+    const std::optional<int> tokens = wholeNumber(parts.value(0), 0, most);
     const std::optional<int> seconds = wholeNumber(parts.value(1), 1, most);
-    if (parts.size() != 2 || !uploads || !seconds)
-        return failure(QStringLiteral("--upload-limit takes NUMBER/SECONDS, not '%1'").arg(text));
-    options.uploads = *uploads;
-    options.period = std::chrono::seconds(*seconds);
+    if (parts.size() != 2 || !tokens || !seconds) {
+        return failure(QStringLiteral("--%1 takes NUMBER/SECONDS, not '%2'")
+                           .arg(option.names().first(), text));
+    }
+    number = *tokens;
+    period = std::chrono::seconds(*seconds);
     return {};
 }
 
-outcome<void> readConnections(const QString &text, serverOptions &options)
+/// Reads a number of connections, the argument of @p option, if it is there.
+outcome<void> readConnections(const QCommandLineParser &parser, const QCommandLineOption &option,
+                              int fewest, int &connections)
 {
-    const std::optional<int> number = wholeNumber(text, 2, 20'000);
+    constexpr int most = 20'000;
+    if (!parser.isSet(option))
+        return {};
+    const QString text = parser.value(option);
+    const std::optional<int> number = wholeNumber(text, fewest, most);
     if (!number) {
         return failure(
-            QStringLiteral("--connections takes a number from 2 to 20000, not '%1'").arg(text));
+            QStringLiteral("--%1 takes a number from %2 to %3, not '%4'")
+                .arg(option.names().first(), QString::number(fewest), QString::number(most), text));
     }
-    options.connections = *number;
+    connections = *number;
+    return {};
+}
+
+outcome<void> readProxies(const QCommandLineParser &parser, serverOptions &options)
+{
+    const QStringList networks = parser.values(proxyOption);
+    for (const QString &text : networks) {
+        const auto network = parseNetwork(text.toStdString());
+        if (!network) {
+            return failure(QStringLiteral("--trusted-proxy takes an address or a network such as "
+                                          "10.0.0.0/8, not '%1'")
+                               .arg(text));
+        }
+        options.trustedProxies.push_back(*network);
+    }
     return {};
 }
 
 outcome<void> readServeOptions(const QCommandLineParser &parser, serverCommand &command)
 {
-    command.options.isBehindProxy = parser.isSet(proxyOption);
-    outcome<void> done;
-    if (parser.isSet(listenOption))
+    serverOptions &options = command.options;
+    outcome<void> done = readProxies(parser, options);
+    if (done && parser.isSet(listenOption))
         done = readListen(parser.value(listenOption), command);
-    if (done && parser.isSet(uploadLimitOption))
-        done = readUploadLimit(parser.value(uploadLimitOption), command.options);
-    if (done && parser.isSet(connectionsOption))
-        done = readConnections(parser.value(connectionsOption), command.options);
+    if (done)
+        done = readLimit(parser, uploadLimitOption, options.uploads, options.uploadPeriod);
+    if (done)
+        done = readLimit(parser, readLimitOption, options.reads, options.readPeriod);
+    if (done)
+        done = readConnections(parser, connectionsOption, 2, options.limits.connections);
+    if (done) {
+        done = readConnections(parser, connectionsOfOneOption, 1, options.limits.connectionsOfOne);
+    }
     return done;
 }
 
@@ -153,7 +202,10 @@ QVector<optionOwners> allOptionOwners()
 {
     using command = serverCommand;
     return {
-        {{listenOption, uploadLimitOption, connectionsOption, proxyOption}, {command::serve}},
+        {{listenOption, uploadLimitOption, readLimitOption, connectionsOption,
+          connectionsOfOneOption, proxyOption},
+         {command::serve}},
+        {{endOption}, {command::importFile}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},
         {{dryRunOption},
          {command::publish, command::withdraw, command::restore, command::accept, command::forget}},
@@ -214,6 +266,7 @@ outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serv
     if (const outcome<void> known = checkOptions(parser, found.action); !known)
         return known;
     command.wanted = found.action;
+    command.isEndOptional = parser.isSet(endOption);
     command.isDryRun = parser.isSet(dryRunOption);
     switch (found.action) {
     case serverCommand::serve:

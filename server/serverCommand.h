@@ -17,7 +17,8 @@ struct serverCommand {
     serverOptions options;
     QString address = QStringLiteral("127.0.0.1");
     int port = 8426;
-    QString file; ///< to import
+    QString file;               ///< to import
+    bool isEndOptional = false; ///< imports an old export, which says nothing about its end
     operatorRequest request;
     publishOptions publishing;
     bool isDryRun = false; ///< shows what would change, and changes nothing

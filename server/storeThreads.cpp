@@ -3,143 +3,220 @@
 
 #include "server/log.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace
 {
 
 /// The most uploads in one transaction, so that none waits for long.
-constexpr std::size_t largestBatch = 500;
+constexpr std::ptrdiff_t largestBatch = 500;
 
-/// After this time, whoever waits is told that the database does not answer.
-constexpr auto timeOut = std::chrono::seconds(15);
+/// Whoever has waited so long has been told that the database does not answer.
+constexpr auto longestWait = std::chrono::seconds(6);
 
-/// Stores @p uploads. If that fails it is tried once more on a new connection: the database may
-/// have been restarted.
-outcome<void> addTo(resultStore &store, const QVector<storedUpload> &uploads)
+/// Does @p work on @p store. If that fails it is tried once more on a new connection: the database
+/// may have been restarted.
+template <typename Work> auto twice(resultStore &store, const Work &work) -> decltype(work())
 {
-    const auto add = [&] { return store.open().and_then([&] { return store.add(uploads); }); };
-    outcome<void> done = add();
+    auto done = store.open().and_then(work);
     if (done)
         return done;
-    writeLog(QStringLiteral("storing again after: %1").arg(done.error()));
+    writeLog(QStringLiteral("trying again after: %1").arg(done.error()));
     store.close();
-    return add();
+    return store.open().and_then(work);
 }
 
 } // namespace
 
-storeThreads::storeThreads(const databaseAddress &address, int readers) : place(address)
+storeThreads::storeThreads(const databaseAddress &address) : place(address), running(2)
 {
-    for (int i = 0; i < readers; ++i)
-        threads.emplace_back([this] { serveReads(); });
+    threads.emplace_back([this] { serveReads(); });
     threads.emplace_back([this] { serveWrites(); });
 }
 
 storeThreads::~storeThreads()
 {
+    end(std::chrono::milliseconds::max());
+}
+
+bool storeThreads::end(std::chrono::milliseconds longest)
+{
     {
-        const std::lock_guard lock(mutex);
+        std::unique_lock lock(mutex);
         isEnding = true;
+        readsChanged.notify_all();
+        writesChanged.notify_all();
+        const auto haveEnded = [this] { return running == 0; };
+        if (longest == std::chrono::milliseconds::max())
+            ended.wait(lock, haveEnded);
+        else if (!ended.wait_for(lock, longest, haveEnded))
+            return false;
     }
-    readsChanged.notify_all();
-    writesChanged.notify_all();
     for (std::thread &thread : threads)
         thread.join();
+    threads.clear();
+    return true;
+}
+
+void storeThreads::hasEnded()
+{
+    const std::lock_guard lock(mutex);
+    --running;
+    ended.notify_all();
+}
+
+void storeThreads::read(readJob job)
+{
+    {
+        const std::lock_guard lock(mutex);
+        if (!isEnding && reads.size() < maximumBacklog) {
+            reads.push_back(std::move(job));
+            readsChanged.notify_one();
+            return;
+        }
+    }
+    job(nullptr);
+}
+
+void storeThreads::newestVersion(versionTaker take)
+{
+    read([take = std::move(take)](const newestLists *found) {
+        take(found ? std::make_optional(found->version) : std::nullopt);
+    });
+}
+
+void storeThreads::newestList(bool isBeta, listTaker take)
+{
+    read([isBeta, take = std::move(take)](const newestLists *found) {
+        take(found ? std::make_optional(isBeta ? found->beta : found->normal) : std::nullopt);
+    });
+}
+
+void storeThreads::add(storedUpload upload, QByteArray network, resultTaker take)
+{
+    {
+        const std::lock_guard lock(mutex);
+        if (!isEnding && writes.size() < maximumBacklog) {
+            writes.push_back(
+                {std::move(upload), std::move(network), std::move(take), clock::now()});
+            writesChanged.notify_one();
+            return;
+        }
+    }
+    take(false);
+}
+
+void storeThreads::checkWritable(resultTaker take)
+{
+    {
+        const std::lock_guard lock(mutex);
+        if (!isEnding && checks.size() < maximumBacklog) {
+            checks.push_back(std::move(take));
+            writesChanged.notify_one();
+            return;
+        }
+    }
+    take(false);
 }
 
 void storeThreads::serveReads()
 {
     resultStore store(place);
+    newestLists newest;
+    // The lists are read only when there are new ones. Each is at least as new as the version.
+    const auto refresh = [&]() -> outcome<void> {
+        return store.newestVersion().and_then([&](int version) -> outcome<void> {
+            if (version == newest.version)
+                return {};
+            auto normal = store.newestList(false);
+            auto beta = store.newestList(true);
+            if (!normal || !beta)
+                return failure(normal ? beta.error() : normal.error());
+            newest = {version, *normal, *beta};
+            return {};
+        });
+    };
     std::unique_lock lock(mutex);
     while (true) {
         readsChanged.wait(lock, [this] { return isEnding || !reads.empty(); });
         if (reads.empty())
-            return;
-        const readJob job = std::move(reads.front());
-        reads.pop_front();
+            break;
+        std::vector<readJob> batch;
+        batch.swap(reads);
         lock.unlock();
-        job(store.open() ? &store : nullptr);
+        const outcome<void> isRead = twice(store, refresh);
+        if (!isRead)
+            writeLog(QStringLiteral("not read: %1").arg(isRead.error()));
+        for (const readJob &job : batch)
+            job(isRead ? &newest : nullptr);
         lock.lock();
     }
+    lock.unlock();
+    store.close();
+    hasEnded();
 }
 
 void storeThreads::serveWrites()
 {
-    resultStore store(place);
+    resultStore to(place);
     std::unique_lock lock(mutex);
     while (true) {
-        writesChanged.wait(lock, [this] { return isEnding || !writes.empty(); });
-        if (writes.empty())
-            return;
-        std::vector<writeJob> batch;
-        QVector<storedUpload> uploads;
-        while (!writes.empty() && batch.size() < largestBatch) {
-            uploads.append(writes.front().upload);
-            batch.push_back(std::move(writes.front()));
-            writes.pop_front();
-        }
+        writesChanged.wait(lock, [this] { return isEnding || !writes.empty() || !checks.empty(); });
+        if (writes.empty() && checks.empty())
+            break;
+        const auto end =
+            writes.begin() + std::min<std::ptrdiff_t>(largestBatch, std::ssize(writes));
+        std::vector<writeJob> batch(std::make_move_iterator(writes.begin()),
+                                    std::make_move_iterator(end));
+        writes.erase(writes.begin(), end);
+        std::vector<resultTaker> asked;
+        asked.swap(checks);
         lock.unlock();
-        const outcome<void> areStored = addTo(store, uploads);
-        for (writeJob &job : batch) {
-            // An upload that the database refuses must not cost the rest of its batch.
-            const outcome<void> isStored =
-                areStored || batch.size() == 1 ? areStored : addTo(store, {job.upload});
-            if (!isStored)
-                writeLog(QStringLiteral("not stored: %1").arg(isStored.error()));
-            job.isStored.set_value(isStored.has_value());
+        store(to, std::move(batch));
+        if (!asked.empty()) {
+            const outcome<void> isWritable = twice(to, [&to] { return to.checkWritable(); });
+            if (!isWritable)
+                writeLog(QStringLiteral("no upload can be stored: %1").arg(isWritable.error()));
+            for (const resultTaker &take : asked)
+                take(isWritable.has_value());
         }
         lock.lock();
     }
+    lock.unlock();
+    to.close();
+    hasEnded();
 }
 
-template <typename Result>
-std::optional<Result> storeThreads::read(outcome<Result> (*operation)(resultStore &, bool),
-                                         bool argument)
+void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
 {
-    // Shared: whoever waits may have given up when the answer comes.
-    const auto promise = std::make_shared<std::promise<std::optional<Result>>>();
-    std::future<std::optional<Result>> result = promise->get_future();
-    {
-        const std::lock_guard lock(mutex);
-        if (isEnding || reads.size() >= maximumBacklog)
-            return std::nullopt;
-        reads.emplace_back([promise, operation, argument](resultStore *store) {
-            if (!store) {
-                promise->set_value(std::nullopt);
-                return;
-            }
-            outcome<Result> found = operation(*store, argument);
-            if (!found) {
-                store->close();
-                found = store->open().and_then([&] { return operation(*store, argument); });
-            }
-            promise->set_value(found ? std::make_optional(*found) : std::nullopt);
-        });
+    std::erase_if(batch, [](const writeJob &job) {
+        const bool isTooLate = clock::now() - job.since > longestWait;
+        if (isTooLate)
+            job.take(false);
+        return isTooLate;
+    });
+    if (batch.empty())
+        return;
+    const outcome<void> areStored = twice(to, [&] { return add(to, batch); });
+    if (!areStored && batch.size() > 1) {
+        // One that the database refuses must not cost the rest of its batch.
+        for (writeJob &job : batch)
+            store(to, {std::move(job)});
+        return;
     }
-    readsChanged.notify_one();
-    return result.wait_for(timeOut) == std::future_status::ready ? result.get() : std::nullopt;
+    if (!areStored)
+        writeLog(QStringLiteral("not stored: %1").arg(areStored.error()));
+    for (const writeJob &job : batch)
+        job.take(areStored.has_value());
 }
 
-std::optional<int> storeThreads::newestVersion()
+outcome<void> storeThreads::add(resultStore &to, const std::vector<writeJob> &batch)
 {
-    return read<int>([](resultStore &store, bool) { return store.newestVersion(); }, false);
-}
-
-std::optional<storedList> storeThreads::newestList(bool isBeta)
-{
-    return read<storedList>([](resultStore &store, bool beta) { return store.newestList(beta); },
-                            isBeta);
-}
-
-bool storeThreads::add(const storedUpload &upload)
-{
-    std::future<bool> isStored;
-    {
-        const std::lock_guard lock(mutex);
-        if (isEnding || writes.size() >= maximumBacklog)
-            return false;
-        writes.push_back({upload, {}});
-        isStored = writes.back().isStored.get_future();
+    QVector<storedUpload> uploads;
+    for (const writeJob &job : batch) {
+        uploads.append(job.upload);
+        uploads.last().network = job.network;
     }
-    writesChanged.notify_one();
-    return isStored.wait_for(timeOut) == std::future_status::ready && isStored.get();
+    return to.add(uploads);
 }

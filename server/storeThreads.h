@@ -3,57 +3,85 @@
 
 #include "server/resultStore.h"
 
+#include <chrono>
 #include <condition_variable>
-#include <deque>
-#include <future>
-#include <memory>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <thread>
 #include <vector>
 
-/// A few threads with one database connection each, on which the many threads of the web server
-/// wait.
+/// Two threads with a database connection each, one that reads and one that writes, for a server
+/// whose own threads must not wait.
 ///
-/// Uploads go through one thread, which commits its whole backlog in one transaction, a batch: a
-/// disk makes some hundred transactions a second durable, however large they are.
+/// Both take everything that is waiting at once. One look at the newest version answers all who
+/// have asked before it began, and uploads are committed in batches: a disk makes some hundred
+/// transactions a second durable, however large they are.
+///
+/// Whoever asks gets a call, once, on one of the two threads or, when the backlog is full, at once.
 class storeThreads
 {
 public:
-    /// The longest backlog of reads and of writes; requests beyond it are turned away.
+    /// The longest backlog of reads and of writes; what comes beyond it fails.
     static constexpr std::size_t maximumBacklog = 2'000;
 
-    storeThreads(const databaseAddress &address, int readers);
+    explicit storeThreads(const databaseAddress &address);
     storeThreads(const storeThreads &) = delete;
     storeThreads &operator=(const storeThreads &) = delete;
-    /// Works off the backlog, then ends the threads.
+    /// Works off the backlog, then ends the threads, however long that takes.
     ~storeThreads();
 
-    /// The newest version; nothing if the database does not answer.
-    std::optional<int> newestVersion();
-    std::optional<storedList> newestList(bool isBeta);
-    /// True when @p upload is durable.
-    bool add(const storedUpload &upload);
+    /// Works off the backlog and ends the threads. False if that has not been done after @p
+    /// longest, as when the database does not answer.
+    bool end(std::chrono::milliseconds longest);
+
+    /// Gets nothing if the database does not answer.
+    using versionTaker = std::function<void(std::optional<int>)>;
+    using listTaker = std::function<void(std::optional<storedList>)>;
+    /// Gets whether it has worked.
+    using resultTaker = std::function<void(bool)>;
+
+    void newestVersion(versionTaker take);
+    void newestList(bool isBeta, listTaker take);
+    /// True when @p upload is durable. Its source becomes the day's token of @p network.
+    void add(storedUpload upload, QByteArray network, resultTaker take);
+    /// Whether an upload could be stored now.
+    void checkWritable(resultTaker take);
 
 private:
-    using readJob = std::function<void(resultStore *)>;
+    using clock = std::chrono::steady_clock;
+
+    /// The newest lists.
+    struct newestLists {
+        int version = 0;
+        storedList normal;
+        storedList beta;
+    };
+    using readJob = std::function<void(const newestLists *)>;
     struct writeJob {
         storedUpload upload;
-        std::promise<bool> isStored;
+        QByteArray network;
+        resultTaker take;
+        clock::time_point since;
     };
 
-    /// The result of @p operation on one of the readers' stores, or nothing.
-    template <typename Result>
-    std::optional<Result> read(outcome<Result> (*operation)(resultStore &, bool), bool argument);
+    void read(readJob job);
     void serveReads();
     void serveWrites();
+    void store(resultStore &to, std::vector<writeJob> batch);
+    /// Stores @p batch, in one transaction.
+    static outcome<void> add(resultStore &to, const std::vector<writeJob> &batch);
+    void hasEnded();
 
     databaseAddress place;
     std::mutex mutex;
     std::condition_variable readsChanged;
     std::condition_variable writesChanged;
-    std::deque<readJob> reads;
-    std::deque<writeJob> writes;
+    std::condition_variable ended;
+    std::vector<readJob> reads;
+    std::vector<writeJob> writes;
+    std::vector<resultTaker> checks;
     bool isEnding = false;
+    int running = 0;
     std::vector<std::thread> threads;
 };

@@ -8,8 +8,6 @@
 #include <QToolTip>
 #include <QWidget>
 
-#include <limits>
-
 barTip::barTip(QWidget *ownViewport) : QObject(ownViewport), viewport(ownViewport)
 {
     viewport->installEventFilter(this);
@@ -46,7 +44,8 @@ bool barTip::eventFilter(QObject *watched, QEvent *event)
 
 void barTip::show(const QPoint &globalPosition) const
 {
-    // Without a time of its own, a tip goes away after ten seconds.
-    constexpr int endless = std::numeric_limits<int>::max();
-    QToolTip::showText(globalPosition, tip, viewport, {}, endless);
+    // Without a time of its own, a tip goes away after ten seconds. The largest one would overflow
+    // where the toolkit rounds the interval of a timer.
+    constexpr int aDay = 24 * 60 * 60 * 1000;
+    QToolTip::showText(globalPosition, tip, viewport, {}, aDay);
 }

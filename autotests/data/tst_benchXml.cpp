@@ -225,6 +225,8 @@ void tst_benchXml::writtenCharacters_data()
     row("high half", QString(QChar(0xD83E)), replaced);
     row("low half", QString(QChar(0xDD8A)), replaced);
     row("halves in the wrong order", QString(QChar(0xDD8A)) + QChar(0xD83E), replaced.repeated(2));
+    row("low half after a letter", QStringLiteral("a") + QChar(0xDD8A),
+        QStringLiteral("a") + replaced);
 }
 
 void tst_benchXml::writtenCharacters()

@@ -6,6 +6,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,6 +39,10 @@ public:
     {
         return control(QStringLiteral("stop"), {QStringLiteral("-m"), QStringLiteral("fast")});
     }
+
+    /// Stops all of its processes where they are: connections stay, and nothing answers.
+    void freeze() { signalAll(SIGSTOP); }
+    void thaw() { signalAll(SIGCONT); }
 
     /// A new, empty database.
     QString newDatabase()
@@ -73,6 +79,21 @@ private:
         const QStringList versions = all.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
         return versions.isEmpty() ? QStringLiteral("(PostgreSQL is not installed)")
                                   : all.filePath(versions.last() + QStringLiteral("/bin"));
+    }
+
+    /// Sends @p signal to the server and the processes that it has started.
+    void signalAll(int signal)
+    {
+        QFile file(data() + QStringLiteral("/postmaster.pid"));
+        if (!file.open(QIODevice::ReadOnly))
+            return;
+        const int server = file.readLine().trimmed().toInt();
+        QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(server));
+        if (!children.open(QIODevice::ReadOnly))
+            return;
+        kill(server, signal);
+        for (const QByteArray &child : children.readAll().simplified().split(' '))
+            kill(child.toInt(), signal);
     }
 
     bool control(const QString &action, const QStringList &options)

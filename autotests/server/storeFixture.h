@@ -25,16 +25,10 @@ public:
     /// What is wrong with the PostgreSQL server, if anything is.
     const QString &error() const { return postgres.lastOutput; }
 
-    /// A new, empty database of the product that the row of data names.
+    /// A new, empty database of the product that the row of data names, of SQLite if of none.
     void begin()
     {
-        const QByteArray product(QTest::currentDataTag());
-        place.clear();
-        if (product == "SQLite") {
-            beginSqlite();
-        } else if (product == "PostgreSQL") {
-            beginPostgres();
-        }
+        begin(QByteArray(QTest::currentDataTag()) != "PostgreSQL");
     }
     /// A new, empty database of this product.
     void begin(bool isSqlite)
@@ -76,6 +70,16 @@ private:
     QString place;
 };
 
+/// Begins a transaction of @p db that keeps everybody else from storing uploads.
+inline outcome<void> lockUploads(database &db)
+{
+    if (db.isSqlite())
+        return db.change(QStringLiteral("BEGIN IMMEDIATE"));
+    return db.change(QStringLiteral("BEGIN")).and_then([&db] {
+        return db.change(QStringLiteral("LOCK TABLE uploads"));
+    });
+}
+
 inline QVector<storedUpload> uploadsIn(resultStore &store)
 {
     QVector<storedUpload> all;
@@ -97,10 +101,18 @@ inline storedUpload numbered(int i)
                   1'000 + i);
 }
 
+/// A list of one machine with this name.
+inline QByteArray recognizable(const QByteArray &name)
+{
+    return "<Fennick><bench machineName=\"" + name
+           + "\" os=\"linux\" cpu=\"A\" clock=\"1\" "
+             "threadCount=\"1\"/></Fennick>";
+}
+
 /// Adds lists with this version and recognizable contents.
 inline outcome<void> addLists(resultStore &store, int version)
 {
     const qint64 made = 2'000 + version;
-    return store.restore({}, {{version, false, made, qCompress("<normal/>")},
-                              {version, true, made, qCompress("<beta/>")}});
+    return store.restore({}, {{version, false, made, qCompress(recognizable("normal"))},
+                              {version, true, made, qCompress(recognizable("beta"))}});
 }

@@ -50,24 +50,32 @@ void tst_serverCommand::defaults()
     QCOMPARE(command.options.database.product, databaseAddress::sqlite);
     QCOMPARE(command.options.database.name, QStringLiteral("/data/results.sqlite"));
     QCOMPARE(command.options.uploads, 30);
-    QVERIFY(command.options.period == std::chrono::minutes(10));
-    QCOMPARE(command.options.connections, 1024);
-    QVERIFY(!command.options.isBehindProxy);
+    QVERIFY(command.options.uploadPeriod == std::chrono::minutes(10));
+    QCOMPARE(command.options.limits.connections, 1024);
+    QCOMPARE(command.options.limits.connectionsOfOne, 64);
+    QCOMPARE(command.options.reads, 200);
+    QVERIFY(command.options.readPeriod == std::chrono::seconds(10));
+    QVERIFY(command.options.trustedProxies.empty());
 }
 
 void tst_serverCommand::options()
 {
     const serverCommand command = commandOf(
         QStringLiteral("serve --listen [::1]:0 --database postgresql://me@db/bench --upload-limit "
-                       "5/60 --connections 64 --behind-proxy"));
+                       "5/60 --connections 64 --connections-per-address 7 --read-limit 3/4 "
+                       "--trusted-proxy 127.0.0.1 --trusted-proxy 10.0.0.0/8"));
     QCOMPARE(command.wanted, serverCommand::serve);
     QCOMPARE(command.address, QStringLiteral("::1"));
     QCOMPARE(command.port, 0);
     QCOMPARE(command.options.database.name, QStringLiteral("bench"));
     QCOMPARE(command.options.uploads, 5);
-    QVERIFY(command.options.period == std::chrono::minutes(1));
-    QCOMPARE(command.options.connections, 64);
-    QVERIFY(command.options.isBehindProxy);
+    QVERIFY(command.options.uploadPeriod == std::chrono::minutes(1));
+    QCOMPARE(command.options.limits.connections, 64);
+    QCOMPARE(command.options.limits.connectionsOfOne, 7);
+    QCOMPARE(command.options.reads, 3);
+    QVERIFY(command.options.readPeriod == std::chrono::seconds(4));
+    QCOMPARE(command.options.trustedProxies.size(), std::size_t(2));
+    QCOMPARE(command.options.trustedProxies.back().prefix, 8);
 }
 
 void tst_serverCommand::verbs_data()
@@ -75,6 +83,7 @@ void tst_serverCommand::verbs_data()
     QTest::addColumn<int>("action");
     QTest::newRow("publish") << int(serverCommand::publish);
     QTest::newRow("publish --dry-run --circle --afresh --above 7") << int(serverCommand::publish);
+    QTest::newRow("import --without-end a.xml") << int(serverCommand::importFile);
     QTest::newRow("import a.xml") << int(serverCommand::importFile);
     QTest::newRow("export") << int(serverCommand::exportAll);
     QTest::newRow("list --database sqlite:x") << int(serverCommand::list);
@@ -89,6 +98,7 @@ void tst_serverCommand::verbs()
     QCOMPARE(command.publishing.isAfresh, hasOptions);
     QCOMPARE(command.publishing.rules, hasOptions ? ruleSet::circle : ruleSet::open);
     QCOMPARE(command.publishing.above, hasOptions ? 7 : 0);
+    QCOMPARE(command.isEndOptional, QByteArray(QTest::currentDataTag()).contains("--without-end"));
     if (command.wanted == serverCommand::importFile)
         QCOMPARE(command.file, QStringLiteral("a.xml"));
 }
@@ -187,7 +197,13 @@ void tst_serverCommand::errors_data()
     row("serve --upload-limit 5/0", "--upload-limit takes NUMBER/SECONDS");
     row("serve --connections 1", "--connections takes a number from 2 to 20000");
     row("publish --listen localhost:1", "--listen is an option of serve");
-    row("list --behind-proxy", "--behind-proxy is an option of serve");
+    row("serve --connections-per-address 0",
+        "--connections-per-address takes a number from 1 to 20000, not '0'");
+    row("serve --read-limit x", "--read-limit takes NUMBER/SECONDS, not 'x'");
+    row("serve --trusted-proxy localhost",
+        "--trusted-proxy takes an address or a network such as 10.0.0.0/8, not 'localhost'");
+    row("list --trusted-proxy ::1", "--trusted-proxy is an option of serve");
+    row("serve --listen 127.0.0.1:65536", "--listen takes ADDRESS:PORT, not '127.0.0.1:65536'");
     row("list --why x", "--why is an option of withdraw, restore, accept, forget");
     row("list --dry-run", "--dry-run is an option of publish, withdraw, restore, accept, forget");
     row("list 1 2", "'list' takes 0 or 1 argument(s), not 2");
@@ -211,6 +227,7 @@ void tst_serverCommand::errors_data()
     row("serve --circle", "--circle is an option of publish");
     row("import x --afresh", "--afresh is an option of publish");
     row("export --above 3", "--above is an option of publish");
+    row("export --without-end", "--without-end is an option of import");
     row("publish --above x", "--above takes a number from 0 to 1999999999, not 'x'");
     row("publish --above 2000000000", "--above takes a number from 0 to 1999999999");
     row("withdraw 1", "withdraw needs a reason: --why TEXT");

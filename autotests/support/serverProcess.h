@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QHostAddress>
 #include <QProcess>
 #include <QTcpSocket>
 
@@ -64,8 +65,11 @@ public:
 class rawClient
 {
 public:
-    explicit rawClient(quint16 port)
+    /// From @p address of loopback, where each is as good as another machine.
+    explicit rawClient(quint16 port, const QHostAddress &address = {})
     {
+        if (!address.isNull())
+            socket.bind(address);
         socket.connectToHost(QStringLiteral("127.0.0.1"), port);
         socket.waitForConnected(10'000);
     }

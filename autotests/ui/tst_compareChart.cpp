@@ -192,7 +192,7 @@ void tst_compareChart::legendIsScrolledByTheWheel()
     QVERIFY(!hasRed());
     for (int i = 0; i < 60 && !hasRed(); ++i) {
         turn(legend->sceneBoundingRect().center(), -120);
-        QTest::qWait(30);
+        QCoreApplication::processEvents();
     }
     QVERIFY(hasRed()); // down to [you]
 }
