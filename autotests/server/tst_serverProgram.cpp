@@ -379,9 +379,13 @@ void tst_serverProgram::logsHoldNoNames()
     rawClient client(server.port);
     client.post(uploadForm(uploadXml("SECRETNAME", "SECRETCPU", "1")));
     client.post(uploadForm(uploadXml("SECRETNAME", "SECRETCPU", "-1")));
+    client.post(uploadForm(uploadXml("SECRETNAME", "SECRET (est.)", "1")));
+    client.post(uploadForm(uploadXml("SECRETNAME", "SECRETCPU", "SECRET")));
+    client.post(uploadForm(uploadXml("SECRETNAME", "SECRETCPU", "1").replace("mandel", "SECRET")));
     QCOMPARE(server.terminate(), 0);
     const QByteArray log = server.process.readAllStandardError();
-    QVERIFY(log.contains("upload refused"));
+    for (const char *reason : {"impossible result", "processor's name", "format", "unknown test"})
+        QVERIFY2(log.contains(QByteArray("upload refused: ") + reason + '\n'), log);
     QVERIFY(!log.contains("SECRET"));
     QVERIFY(!log.contains("127.0.0.1"));
 }
