@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/publication.h"
 
+#include "server/rules/sourceToken.h"
 #include "server/versions.h"
 
 namespace
@@ -47,6 +48,7 @@ outcome<publishReport> publication::run()
             return storeIfNew(made);
         })
         .and_then([this] { return counted.markPublished(); })
+        .and_then([this] { return store.forgetSourceKeys(dayOf(options.now)); })
         .and_then([this] { return counted.uploadCount(); })
         .map([this](qint64 uploads) {
             report.uploads = uploads;

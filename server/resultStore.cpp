@@ -84,6 +84,14 @@ outcome<QByteArray> resultStore::sourceKey(qint64 day)
         .map([&key] { return key; });
 }
 
+outcome<void> resultStore::forgetSourceKeys(qint64 today)
+{
+    return db.write([&] {
+        return db.change(QStringLiteral("DELETE FROM source_keys WHERE day < ? OR day > ?"),
+                         {today, today + 1});
+    });
+}
+
 outcome<qint64> resultStore::nextChange()
 {
     return db.number(QStringLiteral("SELECT max(changed) FROM uploads")).map([](qint64 last) {

@@ -51,6 +51,10 @@ public:
     /// Adds those of @p uploads whose content is not there yet, all or none. Durable on return. In
     /// place of a network they get a token of it.
     outcome<void> add(const QVector<storedUpload> &uploads);
+    /// Deletes the keys of sources of other days than @p today, which nobody needs any more, also
+    /// where no upload has come since. That of tomorrow may belong to a process whose clock is a
+    /// little ahead.
+    outcome<void> forgetSourceKeys(qint64 today);
     /// The number of the newest list, or that of the built-in one.
     outcome<int> newestVersion();
     /// The newest list, or one with version 0 if none has been published.

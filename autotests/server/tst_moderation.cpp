@@ -73,6 +73,8 @@ private slots:
     void dryRun();
     void forget_data() { storeFixture::addProducts(); }
     void forget();
+    void forgottenOnTheDisk_data();
+    void forgottenOnTheDisk();
     void forgetWhatDiffersInTheNameAlone_data() { storeFixture::addProducts(); }
     void forgetWhatDiffersInTheNameAlone();
     void forgetSources_data() { storeFixture::addProducts(); }
@@ -210,6 +212,29 @@ void tst_moderation::forget()
     QCOMPARE(names.join(QLatin1Char('|')), QStringLiteral("#1|#2|CAROL"));
     QCOMPARE(apply(action::forget, old), QString()); // nothing is left to forget
     QCOMPARE(audit(), QStringLiteral("forget 1-2 (--before '1970-01-06T00:00:00Z'): because"));
+}
+
+void tst_moderation::forgottenOnTheDisk_data()
+{
+    QTest::addColumn<bool>("isSqlite");
+    QTest::newRow("SQLite") << true; // PostgreSQL overwrites what was deleted at its next VACUUM
+}
+
+/// The file itself knows nothing of the name any more.
+void tst_moderation::forgottenOnTheDisk()
+{
+    const databaseAddress place = fixture->address();
+    const auto isOnTheDisk = [&place] {
+        QFile file(place.name);
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains("ALICE");
+    };
+    QVERIFY(store->add({uploaded(QStringLiteral("ALICE"))}));
+    store->close();
+    QVERIFY(isOnTheDisk());
+    QVERIFY(store->open());
+    QCOMPARE(apply(action::forget, number(1)), QStringLiteral("1"));
+    store->close();
+    QVERIFY(!isOnTheDisk());
 }
 
 void tst_moderation::forgetWhatDiffersInTheNameAlone()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "server/publication.h"
 #include "server/resultStore.h"
 
 #include "server/rules/sourceToken.h"
@@ -53,6 +54,8 @@ private slots:
     void clocksThatDiffer();
     void clockThatWasWrong_data() { storeFixture::addProducts(); }
     void clockThatWasWrong();
+    void publishing_data() { storeFixture::addProducts(); }
+    void publishing();
     void ready_data() { storeFixture::addProducts(); }
     void ready();
 
@@ -133,6 +136,23 @@ void tst_uploadSources::clockThatWasWrong()
     QCOMPARE(pattern(), QStringLiteral("ab"));
     QCOMPARE(number("SELECT count(*) FROM source_keys"), 1);
     QCOMPARE(number("SELECT max(day) FROM source_keys"), 3);
+}
+
+/// Also where no upload comes on the next day.
+void tst_uploadSources::publishing()
+{
+    const auto publishOn = [this](qint64 number) {
+        publishOptions options;
+        options.now = number * day + 5;
+        return publication(*store, {}, options).run().has_value();
+    };
+    QVERIFY(store->add({from("192.0.2.1", 3 * day)}));
+    for (const qint64 other : {3, 2}) {
+        QVERIFY(publishOn(other));
+        QCOMPARE(number("SELECT count(*) FROM source_keys"), 1);
+    }
+    QVERIFY(publishOn(4));
+    QCOMPARE(number("SELECT count(*) FROM source_keys"), 0);
 }
 
 /// What comes with a token, as from an export, keeps it.
