@@ -129,21 +129,6 @@ private:
     qint64 oldestKey;
 };
 
-const char *nameOf(action wanted)
-{
-    switch (wanted) {
-    case action::withdraw:
-        return "withdraw";
-    case action::restore:
-        return "restore";
-    case action::accept:
-        return "accept";
-    case action::forget:
-        break;
-    }
-    return "forget";
-}
-
 outcome<void> writeUploads(database &db, const QVector<storedUpload> &uploads, qint64 change)
 {
     QVector<QVariantList> columns(6);
@@ -260,8 +245,8 @@ private:
         const QString text = numbersText(ids);
         const QString filter = which.text();
         return store.addAuditLine(
-            QString::fromLatin1(nameOf(wanted)),
-            filter == text ? text : QStringLiteral("%1 (%2)").arg(text, filter), reason);
+            nameOf(wanted), filter == text ? text : QStringLiteral("%1 (%2)").arg(text, filter),
+            reason);
     }
 
     resultStore &store;
@@ -288,6 +273,21 @@ outcome<report> apply(resultStore &store, action wanted, const uploadFilter &fil
             return failure(done.error());
     }
     return found;
+}
+
+QString nameOf(action wanted)
+{
+    switch (wanted) {
+    case action::withdraw:
+        return QStringLiteral("withdraw");
+    case action::restore:
+        return QStringLiteral("restore");
+    case action::accept:
+        return QStringLiteral("accept");
+    case action::forget:
+        break;
+    }
+    return QStringLiteral("forget");
 }
 
 QString numbersText(const QVector<qint64> &numbers)

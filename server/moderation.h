@@ -32,6 +32,9 @@ enum class action {
 outcome<report> apply(resultStore &store, action wanted, const uploadFilter &filter,
                       const QString &reason, bool isDryRun);
 
+/// The verb.
+QString nameOf(action wanted);
+
 /// Numbers in few words: "3-5, 9".
 QString numbersText(const QVector<qint64> &numbers);
 

@@ -7,6 +7,7 @@
 #include "server/publication.h"
 #include "server/publishPreview.h"
 #include "server/serverCommand.h"
+#include "server/uploadCommands.h"
 
 #include <QFile>
 
@@ -99,44 +100,6 @@ exitCode exportToOutput(resultStore &store)
     return exitSuccess;
 }
 
-exitCode withdraw(resultStore &store, qint64 id, const QString &reason)
-{
-    const outcome<bool> isFound = store.withdraw(id, reason);
-    if (!isFound)
-        return failed(QStringLiteral("nothing was withdrawn: %1").arg(isFound.error()));
-    if (!*isFound)
-        return failed(QStringLiteral("there is no upload %1").arg(id));
-    return succeeded(
-        QStringLiteral("Upload %1 is withdrawn; the next version will be without it\n").arg(id));
-}
-
-exitCode list(resultStore &store)
-{
-    const auto row = [](const QString &id, const QString &time, const QString &state,
-                        const QString &rest) {
-        writeText(id.rightJustified(8) + QStringLiteral("  ") + time.leftJustified(20)
-                      + QStringLiteral("  ") + state.leftJustified(9) + QStringLiteral("  ") + rest
-                      + QLatin1Char('\n'),
-                  stdout);
-    };
-    row(QStringLiteral("ID"), QStringLiteral("RECEIVED (UTC)"), QStringLiteral("STATE"),
-        QStringLiteral("PROCESSOR, SYSTEM, THREADS, RESULTS"));
-    const outcome<void> done = store.forEachUpload([&row](const storedUpload &upload) {
-        const benchResults machine = uploadedMachine(upload);
-        const QString text =
-            QStringLiteral("%1, %2, %3, %4")
-                .arg(machine.getCpu(), machine.getOs(), QString::number(machine.getThreads()),
-                     QString::number(machine.getTests().size()));
-        const QString reason =
-            upload.reason.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(upload.reason);
-        row(QString::number(upload.id),
-            QDateTime::fromMSecsSinceEpoch(upload.received, Qt::UTC).toString(Qt::ISODate),
-            upload.state,
-            text + (upload.isEmpty ? QStringLiteral(", all zero") : QString()) + reason);
-    });
-    return done ? exitSuccess : failed(done.error());
-}
-
 /// What only reads must not even make a file.
 databaseUse useOf(const serverCommand &command)
 {
@@ -152,6 +115,9 @@ exitCode runOperatorCommand(const serverCommand &command)
     resultStore store(command.options.database, useOf(command));
     if (const outcome<void> isOpen = store.open(); !isOpen)
         return failed(QStringLiteral("the database cannot be opened: %1").arg(isOpen.error()));
+    const auto moderate = [&](moderation::action wanted) {
+        return moderateUploads(store, wanted, command.request, command.isDryRun);
+    };
     switch (command.wanted) {
     case serverCommand::publish:
         return command.isDryRun ? showWhatWouldChange(store, command.publishing.rules)
@@ -161,8 +127,14 @@ exitCode runOperatorCommand(const serverCommand &command)
     case serverCommand::exportAll:
         return exportToOutput(store);
     case serverCommand::withdraw:
-        return withdraw(store, command.id, command.reason);
+        return moderate(moderation::action::withdraw);
+    case serverCommand::restore:
+        return moderate(moderation::action::restore);
+    case serverCommand::accept:
+        return moderate(moderation::action::accept);
+    case serverCommand::forget:
+        return moderate(moderation::action::forget);
     default:
-        return list(store);
+        return listUploads(store, command.request);
     }
 }

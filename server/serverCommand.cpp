@@ -4,6 +4,7 @@
 #include "server/versions.h"
 
 #include <QCommandLineParser>
+#include <QDateTime>
 
 #include <algorithm>
 #include <iterator>
@@ -14,13 +15,16 @@ namespace
 struct verb {
     const char *name;
     serverCommand::action action;
-    int arguments; ///< after the verb
+    int fewest; ///< arguments after the verb
+    int most;
 };
 
 constexpr verb verbs[] = {
-    {"serve", serverCommand::serve, 0},       {"publish", serverCommand::publish, 0},
-    {"import", serverCommand::importFile, 1}, {"export", serverCommand::exportAll, 0},
-    {"withdraw", serverCommand::withdraw, 1}, {"list", serverCommand::list, 0},
+    {"serve", serverCommand::serve, 0, 0},       {"publish", serverCommand::publish, 0, 0},
+    {"import", serverCommand::importFile, 1, 1}, {"export", serverCommand::exportAll, 0, 0},
+    {"list", serverCommand::list, 0, 1},         {"withdraw", serverCommand::withdraw, 0, 1},
+    {"restore", serverCommand::restore, 0, 1},   {"accept", serverCommand::accept, 0, 1},
+    {"forget", serverCommand::forget, 0, 1},
 };
 
 const QCommandLineOption databaseOption(
@@ -43,13 +47,10 @@ const QCommandLineOption
 const QCommandLineOption
     proxyOption(QStringLiteral("behind-proxy"),
                 QStringLiteral("serve: the client is the last address of X-Forwarded-For."));
-const QCommandLineOption whyOption(QStringLiteral("why"),
-                                   QStringLiteral("withdraw: the reason, which is kept."),
-                                   QStringLiteral("TEXT"));
-
 const QCommandLineOption
     dryRunOption(QStringLiteral("dry-run"),
-                 QStringLiteral("publish: shows what would change, and changes nothing."));
+                 QStringLiteral("publish, withdraw, restore, accept, forget: shows what would "
+                                "change, and changes nothing."));
 const QCommandLineOption
     endOption(QStringLiteral("without-end"),
               QStringLiteral(
@@ -115,7 +116,6 @@ outcome<void> readServeOptions(const QCommandLineParser &parser, serverCommand &
 
 outcome<void> readPublishOptions(const QCommandLineParser &parser, serverCommand &command)
 {
-    command.isDryRun = parser.isSet(dryRunOption);
     command.publishing.isAfresh = parser.isSet(afreshOption);
     command.publishing.rules = parser.isSet(circleOption) ? ruleSet::circle : ruleSet::open;
     if (!parser.isSet(aboveOption))
@@ -130,62 +130,110 @@ outcome<void> readPublishOptions(const QCommandLineParser &parser, serverCommand
     return {};
 }
 
-outcome<void> readWithdrawal(const QCommandLineParser &parser, serverCommand &command)
+/// What @p action does with uploads; nothing if it is not about single ones.
+std::optional<moderation::action> moderationOf(serverCommand::action action)
 {
-    bool isNumber = false;
-    const QString number = parser.positionalArguments().at(1);
-    command.id = number.toLongLong(&isNumber);
-    command.reason = parser.value(whyOption).trimmed();
-    if (!isNumber || command.id < 1)
-        return failure(
-            QStringLiteral("withdraw takes the number of an upload, not '%1'").arg(number));
-    if (command.reason.isEmpty())
-        return failure(QStringLiteral("withdraw needs a reason: --why TEXT"));
-    return {};
+    switch (action) {
+    case serverCommand::withdraw:
+        return moderation::action::withdraw;
+    case serverCommand::restore:
+        return moderation::action::restore;
+    case serverCommand::accept:
+        return moderation::action::accept;
+    case serverCommand::forget:
+        return moderation::action::forget;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Options, and the commands that take them.
+struct optionOwners {
+    QList<QCommandLineOption> options;
+    QVector<serverCommand::action> owners;
+};
+
+QVector<optionOwners> allOptionOwners()
+{
+    using command = serverCommand;
+    return {
+        {{listenOption, uploadLimitOption, connectionsOption, proxyOption}, {command::serve}},
+        {{circleOption, afreshOption, aboveOption}, {command::publish}},
+        {{endOption}, {command::importFile}},
+        {{dryRunOption},
+         {command::publish, command::withdraw, command::restore, command::accept, command::forget}},
+        {filterOptions(), {command::list, command::withdraw, command::restore, command::accept}},
+        {listingOptions(), {command::list}},
+        {{whyOption()}, {command::withdraw, command::restore, command::accept, command::forget}},
+        {{olderThanOption()}, {command::forget}},
+    };
+}
+
+QString nameOf(serverCommand::action action)
+{
+    const auto *const found =
+        std::find_if(std::begin(verbs), std::end(verbs),
+                     [action](const verb &known) { return known.action == action; });
+    return QLatin1String(found->name);
 }
 
 /// Whether the options are those of @p action.
 outcome<void> checkOptions(const QCommandLineParser &parser, serverCommand::action action)
 {
-    const auto check = [&](const QVector<QCommandLineOption> &options, serverCommand::action owner,
-                           const char *name) -> outcome<void> {
-        for (const QCommandLineOption &option : options) {
-            if (parser.isSet(option) && action != owner)
-                return failure(QStringLiteral("--%1 is an option of %2")
-                                   .arg(option.names().first(), QLatin1String(name)));
+    for (const optionOwners &known : allOptionOwners()) {
+        for (const QCommandLineOption &option : known.options) {
+            if (!parser.isSet(option) || known.owners.contains(action))
+                continue;
+            QStringList names;
+            for (const serverCommand::action owner : known.owners)
+                names.append(nameOf(owner));
+            return failure(QStringLiteral("--%1 is an option of %2")
+                               .arg(option.names().first(), names.join(QStringLiteral(", "))));
         }
-        return {};
-    };
-    return check({listenOption, uploadLimitOption, connectionsOption, proxyOption},
-                 serverCommand::serve, "serve")
-        .and_then([&] {
-            return check({dryRunOption, circleOption, afreshOption, aboveOption},
-                         serverCommand::publish, "publish");
-        })
-        .and_then([&] { return check({endOption}, serverCommand::importFile, "import"); })
-        .and_then([&] { return check({whyOption}, serverCommand::withdraw, "withdraw"); });
+    }
+    return {};
+}
+
+/// Reads what belongs to a command about uploads.
+outcome<void> readRequest(const QCommandLineParser &parser, const QString &number,
+                          serverCommand &command)
+{
+    const auto wanted = moderationOf(command.wanted);
+    const outcome<operatorRequest> request =
+        wanted ? readModeration(parser, *wanted, number, QDateTime::currentMSecsSinceEpoch())
+               : readListing(parser, number);
+    return request.map([&](const operatorRequest &read) { command.request = read; });
 }
 
 /// Reads what belongs to the verb.
 outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serverCommand &command)
 {
     const QStringList rest = parser.positionalArguments().mid(1);
-    if (rest.size() != found.arguments) {
+    if (rest.size() < found.fewest || rest.size() > found.most) {
+        const QString range = found.fewest == found.most
+                                  ? QString::number(found.most)
+                                  : QStringLiteral("%1 or %2").arg(found.fewest).arg(found.most);
         return failure(QStringLiteral("'%1' takes %2 argument(s), not %3")
-                           .arg(QLatin1String(found.name), QString::number(found.arguments),
-                                QString::number(rest.size())));
+                           .arg(QLatin1String(found.name), range, QString::number(rest.size())));
     }
     if (const outcome<void> known = checkOptions(parser, found.action); !known)
         return known;
     command.wanted = found.action;
+    command.isDryRun = parser.isSet(dryRunOption);
     command.isEndOptional = parser.isSet(endOption);
-    if (found.action == serverCommand::importFile)
-        command.file = rest.first();
-    if (found.action == serverCommand::withdraw)
-        return readWithdrawal(parser, command);
-    if (found.action == serverCommand::publish)
+    switch (found.action) {
+    case serverCommand::serve:
+        return readServeOptions(parser, command);
+    case serverCommand::publish:
         return readPublishOptions(parser, command);
-    return readServeOptions(parser, command);
+    case serverCommand::importFile:
+        command.file = rest.first();
+        return {};
+    case serverCommand::exportAll:
+        return {};
+    default:
+        return readRequest(parser, rest.value(0), command);
+    }
 }
 
 outcome<serverCommand> readCommand(const QCommandLineParser &parser, const QString &defaultDatabase)
@@ -227,15 +275,18 @@ parsed<serverCommand> parseServerCommand(const QStringList &arguments,
         QStringLiteral("The result database of the CPU benchmark Fennick.\n\n"
                        "serve            answer the programs until Ctrl-C or SIGTERM\n"
                        "publish          make the next reference lists from all uploads\n"
-                       "list             show the uploads\n"
-                       "withdraw ID      keep an upload out of the lists from now on\n"
+                       "list [ID]        show the uploads\n"
+                       "withdraw [ID]    keep uploads out of the lists from now on\n"
+                       "restore [ID]     take that back\n"
+                       "accept [ID]      let uploads count that are held\n"
+                       "forget [ID]      delete what could be personal of uploads\n"
                        "export           write everything to standard output, as XML\n"
                        "import FILE.xml  read an export, or a list of machines"));
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("One of the above."),
                                  QStringLiteral("command [argument]"));
-    parser.addOptions({databaseOption, listenOption, uploadLimitOption, connectionsOption,
-                       proxyOption, whyOption, dryRunOption, circleOption, afreshOption,
-                       aboveOption, endOption});
+    parser.addOption(databaseOption);
+    for (const optionOwners &known : allOptionOwners())
+        parser.addOptions(known.options);
     if (const auto closing = readOptions(parser, arguments, serverProgramName()))
         return tl::unexpected(*closing);
     return readCommand(parser, defaultDatabase).map_error([](const QString &sentence) {

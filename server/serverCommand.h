@@ -2,6 +2,7 @@
 #pragma once
 
 #include "console/options.h"
+#include "server/operatorOptions.h"
 #include "server/publication.h"
 #include "server/resultServer.h"
 
@@ -10,7 +11,7 @@
 
 /// What the arguments of fennick-server ask for.
 struct serverCommand {
-    enum action { serve, publish, importFile, exportAll, withdraw, list };
+    enum action { serve, publish, importFile, exportAll, list, withdraw, restore, accept, forget };
 
     action wanted = serve;
     serverOptions options;
@@ -18,8 +19,7 @@ struct serverCommand {
     int port = 8426;
     QString file;               ///< to import
     bool isEndOptional = false; ///< imports an old export, which says nothing about its end
-    qint64 id = 0;              ///< of the upload to withdraw
-    QString reason;             ///< why it is withdrawn
+    operatorRequest request;
     publishOptions publishing;
     bool isDryRun = false; ///< shows what would change, and changes nothing
 };

@@ -13,6 +13,11 @@ private slots:
     void verbs_data();
     void verbs();
     void withdrawal();
+    void requests_data();
+    void requests();
+    void listings();
+    void dryRuns();
+    void age();
     void errors_data();
     void errors();
     void texts();
@@ -98,8 +103,70 @@ void tst_serverCommand::withdrawal()
                            QStringLiteral("x"))
             .value();
     QCOMPARE(command.wanted, serverCommand::withdraw);
-    QCOMPARE(command.id, qint64(17));
-    QCOMPARE(command.reason, QStringLiteral("clock was wrong"));
+    QCOMPARE(command.request.filter.id, qint64(17));
+    QCOMPARE(command.request.reason, QStringLiteral("clock was wrong"));
+    QVERIFY(!command.isDryRun);
+}
+
+void tst_serverCommand::requests_data()
+{
+    QTest::addColumn<int>("action");
+    QTest::addColumn<QString>("filter");
+    const auto row = [](const char *arguments, serverCommand::action action, const char *filter) {
+        QTest::newRow(arguments) << int(action) << QString::fromLatin1(filter);
+    };
+    row("list", serverCommand::list, "");
+    row("list 7", serverCommand::list, "7");
+    row("list --processor AMD* --state held --outliers --after 5 --limit 20", serverCommand::list,
+        "--processor 'AMD*' --state 'held' --outliers --after 5 --limit 20");
+    row("list --since 2026-11-21", serverCommand::list, "--since '2026-11-21T00:00:00Z'");
+    row("list --since 2026-11-21T18:30:00", serverCommand::list, "--since '2026-11-21T18:30:00Z'");
+    row("list --since 2026-11-21T18:30:00Z", serverCommand::list, "--since '2026-11-21T18:30:00Z'");
+    row("list --since 2026-11-21T18:30:00+02:00", serverCommand::list,
+        "--since '2026-11-21T16:30:00Z'");
+    row("withdraw --processor X --why flood", serverCommand::withdraw, "--processor 'X'");
+    row("withdraw --limit 3 --why flood", serverCommand::withdraw, "--limit 3");
+    row("restore 7", serverCommand::restore, "7");
+    row("accept 7 --why seen", serverCommand::accept, "7");
+    row("accept --state held --why seen", serverCommand::accept, "--state 'held'");
+    row("forget 7", serverCommand::forget, "7");
+}
+
+void tst_serverCommand::requests()
+{
+    const serverCommand command = commandOf(QString::fromLatin1(QTest::currentDataTag()));
+    QTEST(int(command.wanted), "action");
+    QTEST(command.request.filter.text(), "filter");
+    QVERIFY(!command.isDryRun);
+}
+
+void tst_serverCommand::listings()
+{
+    const auto form = [](const char *arguments) {
+        return commandOf(QString::fromLatin1(arguments)).request.form;
+    };
+    QVERIFY(form("list") == listingForm::lines);
+    QVERIFY(form("list --values") == listingForm::values);
+    QVERIFY(form("list --json") == listingForm::json);
+    QVERIFY(form("list --json --values") == listingForm::json);
+}
+
+void tst_serverCommand::dryRuns()
+{
+    for (const char *arguments : {"withdraw 1 --why x --dry-run", "restore 1 --dry-run",
+                                  "accept 1 --why x --dry-run", "forget 1 --dry-run"})
+        QVERIFY2(commandOf(QString::fromLatin1(arguments)).isDryRun, arguments);
+}
+
+void tst_serverCommand::age()
+{
+    const qint64 before = QDateTime::currentMSecsSinceEpoch();
+    const serverCommand command = commandOf(QStringLiteral("forget --older-than 30"));
+    const qint64 after = QDateTime::currentMSecsSinceEpoch();
+    constexpr qint64 days = 30LL * 86'400'000;
+    QVERIFY(*command.request.filter.before >= before - days);
+    QVERIFY(*command.request.filter.before <= after - days);
+    QCOMPARE(command.request.filter.id, qint64(0));
 }
 
 void tst_serverCommand::errors_data()
@@ -123,8 +190,26 @@ void tst_serverCommand::errors_data()
     row("serve --connections 1", "--connections takes a number from 2 to 20000");
     row("publish --listen localhost:1", "--listen is an option of serve");
     row("list --behind-proxy", "--behind-proxy is an option of serve");
-    row("list --why x", "--why is an option of withdraw");
-    row("list --dry-run", "--dry-run is an option of publish");
+    row("list --why x", "--why is an option of withdraw, restore, accept, forget");
+    row("list --dry-run", "--dry-run is an option of publish, withdraw, restore, accept, forget");
+    row("list 1 2", "'list' takes 0 or 1 argument(s), not 2");
+    row("list x", "'x' is not the number of an upload");
+    row("list -- -1", "'-1' is not the number of an upload");
+    row("list --state lost", "--state takes received, published, withdrawn or held, not 'lost'");
+    row("list --since yesterday", "--since takes a time like 2026-11-21T18:30:00, not 'yesterday'");
+    row("list --limit 0", "--limit takes a number from 1, not '0'");
+    row("list --after x", "'x' is not the number of an upload");
+    row("publish --processor x", "--processor is an option of list, withdraw, restore, accept");
+    row("withdraw 1 --json --why x", "--json is an option of list");
+    row("withdraw --why x", "withdraw takes the number of an upload, or options that choose some");
+    row("withdraw 1 --state held --why x", "withdraw takes the number of an upload, or options");
+    row("restore", "restore takes the number of an upload, or options that choose some");
+    row("accept 1", "accept needs a reason: --why TEXT");
+    row("forget", "forget takes the number of an upload, or --older-than DAYS");
+    row("forget 1 --older-than 3", "forget takes the number of an upload, or --older-than DAYS");
+    row("forget --older-than x", "--older-than takes a number of days from 0 to 100000, not 'x'");
+    row("forget --state held", "--state is an option of list, withdraw, restore, accept");
+    row("withdraw 1 --older-than 3 --why x", "--older-than is an option of forget");
     row("serve --circle", "--circle is an option of publish");
     row("import x --afresh", "--afresh is an option of publish");
     row("export --above 3", "--above is an option of publish");
@@ -132,8 +217,8 @@ void tst_serverCommand::errors_data()
     row("publish --above x", "--above takes a number from 0 to 1999999999, not 'x'");
     row("publish --above 2000000000", "--above takes a number from 0 to 1999999999");
     row("withdraw 1", "withdraw needs a reason: --why TEXT");
-    row("withdraw x --why y", "withdraw takes the number of an upload, not 'x'");
-    row("withdraw 0 --why y", "withdraw takes the number of an upload, not '0'");
+    row("withdraw x --why y", "'x' is not the number of an upload");
+    row("withdraw 0 --why y", "'0' is not the number of an upload");
     row("serve --verbose", "Unknown option 'verbose'");
 }
 
@@ -152,8 +237,9 @@ void tst_serverCommand::texts()
 {
     const closingText help = read(QStringLiteral("--help")).error();
     QCOMPARE(help.code, exitSuccess);
-    for (const char *word : {"serve", "publish", "import FILE.xml", "export", "withdraw ID", "list",
-                             "--listen", "--database", "--why"})
+    for (const char *word : {"serve", "publish", "import FILE.xml", "export", "withdraw [ID]",
+                             "list [ID]", "restore [ID]", "accept [ID]", "forget [ID]",
+                             "--processor", "--listen", "--database", "--why"})
         QVERIFY2(help.text.contains(QLatin1String(word)), word);
     const closingText version = read(QStringLiteral("--version")).error();
     QCOMPARE(version.code, exitSuccess);

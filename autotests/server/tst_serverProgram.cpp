@@ -4,11 +4,15 @@
 
 #include "data/benchXml.h"
 #include "data/httpDatabase.h"
+#include "server/resultStore.h"
 
 #include "support/serverProcess.h"
 #include "support/uploads.h"
 #include "support/wholeRuns.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 
 class tst_serverProgram : public QObject
@@ -27,6 +31,7 @@ private slots:
     void publishedListIsServed();
     void nastyNamesArrive();
     void commands();
+    void moderation();
     void portInUse();
     void wrongArguments();
     void keepsConnections();
@@ -252,25 +257,70 @@ void tst_serverProgram::commands()
     QCOMPARE(run({QStringLiteral("import"), list}).out,
              QStringLiteral("Read 1 uploads and 0 lists, passed over 0 modelled machines\n"));
     const QString table = run({QStringLiteral("list")}).out;
-    QVERIFY2(table.contains(QStringLiteral("received   My CPU, linux, 4, 1\n")), qPrintable(table));
+    QVERIFY2(
+        table.contains(QStringLiteral("received             My CPU, linux, 4, 1, no whole run\n")),
+        qPrintable(table));
     QVERIFY(!table.contains(QStringLiteral("PRIVATE")));
     const auto missing = run({QStringLiteral("withdraw"), QStringLiteral("99"),
                               QStringLiteral("--why"), QStringLiteral("x")});
     QCOMPARE(missing.code, 1);
-    QCOMPARE(missing.err, QStringLiteral("fennick-server: there is no upload 99\n"));
+    QCOMPARE(missing.err,
+             QStringLiteral("fennick-server: there is no upload 99 that could be withdrawn\n"));
     QCOMPARE(run({QStringLiteral("withdraw"), QStringLiteral("1"), QStringLiteral("--why"),
                   QStringLiteral("a typo")})
                  .code,
              0);
     QVERIFY(run({QStringLiteral("list")})
-                .out.contains(QStringLiteral("withdrawn  My CPU, linux, 4, 1 (a typo)\n")));
+                .out.contains(QStringLiteral("My CPU, linux, 4, 1, no whole run (a typo)\n")));
     QVERIFY(run({QStringLiteral("export")}).out.contains(QStringLiteral("reason=\"a typo\"")));
     const auto noFile = run({QStringLiteral("import"), list + QStringLiteral(".none")});
     QCOMPARE(noFile.code, 1);
     QVERIFY(noFile.err.contains(QStringLiteral("cannot be read: No such file")));
-    QVERIFY(
-        serverProcess::run({QStringLiteral("--help")}).out.contains(QStringLiteral("withdraw ID")));
+    QVERIFY(serverProcess::run({QStringLiteral("--help")})
+                .out.contains(QStringLiteral("withdraw [ID]")));
     QCOMPARE(serverProcess::run({QStringLiteral("--version")}).code, 0);
+}
+
+/// What a person sees who looks after the database.
+void tst_serverProgram::moderation()
+{
+    const QString database = sqlite();
+    const auto run = [&database](const char *arguments) {
+        QStringList all = QString::fromLatin1(arguments).split(QLatin1Char(' '));
+        return serverProcess::run(all << QStringLiteral("--database") << database);
+    };
+    {
+        resultStore store(*parseDatabaseAddress(database));
+        QVERIFY(store.open());
+        QVector<storedUpload> uploads;
+        for (const float speed : {1.0F, 1.01F, 500.0F})
+            uploads.append(stored(wholeRun(QStringLiteral("X"), speed)));
+        uploads.append(stored(wholeRun(QStringLiteral("unknown"))));
+        QVERIFY(store.add(uploads));
+    }
+    QCOMPARE(run("withdraw --processor x --why flood --dry-run").out,
+             QStringLiteral("3 uploads would be withdrawn: 1-3\n"));
+    QCOMPARE(run("withdraw 1 --why flood --dry-run").out,
+             QStringLiteral("Upload 1 would be withdrawn\n"));
+    QCOMPARE(run("withdraw 1 --why flood").out,
+             QStringLiteral("Upload 1 is withdrawn; the next version will be without it\n"));
+    QCOMPARE(run("restore 1").out,
+             QStringLiteral("Upload 1 is restored; it counts from the next version on\n"));
+    QCOMPARE(run("accept --state held --why seen").out,
+             QStringLiteral("1 uploads are accepted: 3\n"
+                            "Not accepted, because their processors' names are not published: "
+                            "4\n"));
+    const auto refused = run("accept 4 --why seen");
+    QCOMPARE(refused.code, 1);
+    QVERIFY(refused.err.contains(QStringLiteral("upload 4 cannot be accepted")));
+    QCOMPARE(run("forget --older-than 1").out, QStringLiteral("4 uploads are forgotten: 1-4\n"));
+    QCOMPARE(run("forget --older-than 1").out, QStringLiteral("0 uploads are forgotten\n"));
+    QVERIFY(!run("export").out.contains(QStringLiteral("LAB7")));
+    const QByteArray json = run("list --json --limit 1 --after 1").out.toUtf8();
+    const QJsonArray array = QJsonDocument::fromJson(json).array();
+    QCOMPARE(array.size(), 1);
+    QCOMPARE(array.first().toObject().value(QStringLiteral("id")).toInt(), 2);
+    QVERIFY(run("list 2 --values").out.contains(QStringLiteral("          shellsort ")));
 }
 
 void tst_serverProgram::portInUse()

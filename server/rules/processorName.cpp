@@ -35,8 +35,10 @@ bool isAscii(const QString &text)
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
 }
 
-bool isLineControl(uint c)
+bool isInvisible(uint c)
 {
+    if (c < 0x80)
+        return c < ' ' || c == 0x7F;
     switch (QChar::category(c)) {
     case QChar::Other_Control:
     case QChar::Other_Format:
@@ -107,23 +109,29 @@ private:
 /// What is left of @p text of letters and brackets where look-alikes, marks and case do not count.
 QString bones(const QString &text)
 {
-    static const QRegularExpression others(QStringLiteral("[^\\p{L}()\\[\\]{}]"));
-    const QString letters = lookalikes::instance().skeleton(text).toLower();
-    return lookalikes::instance().skeleton(letters).toLower().remove(others);
+    QString letters = lookalikes::instance().skeleton(text).toLower();
+    if (!isAscii(text)) // a capital may have been what it looks like
+        letters = lookalikes::instance().skeleton(letters).toLower();
+    QString left;
+    for (const QChar c : qAsConst(letters)) {
+        if (c.isLetter() || QStringLiteral("()[]{}").contains(c))
+            left.append(c);
+    }
+    return left;
 }
 
-/// Whether @p name holds a word that the programs use for something else. Small and capital letters
-/// have different look-alikes, so both are tried.
+/// Whether @p name holds a word that the programs use for something else. Outside of ASCII, small
+/// and capital letters have different look-alikes, so both are tried.
 bool hasReservedWord(const QString &name)
 {
     static const QString unknown = bones(QStringLiteral("unknown"));
     static const QRegularExpression estimate(
         QStringLiteral("[(\\[{]%1[)\\]}]").arg(bones(QStringLiteral("est"))));
-    for (const QString &text : {bones(name.toLower()), bones(name.toUpper())}) {
-        if (text.contains(unknown) || text.contains(estimate))
-            return true;
-    }
-    return false;
+    const auto isReserved = [](const QString &text) {
+        return text.contains(unknown) || text.contains(estimate);
+    };
+    return isReserved(bones(name.toLower()))
+           || (!isAscii(name) && isReserved(bones(name.toUpper())));
 }
 
 } // namespace
@@ -133,7 +141,7 @@ outcome<QString> publishedProcessorName(const QString &name)
     const QVector<uint> given = name.toUcs4();
     const QString wanted = normalised(name);
     const QVector<uint> characters = wanted.toUcs4();
-    if (std::any_of(given.begin(), given.end(), isLineControl)
+    if (std::any_of(given.begin(), given.end(), isInvisible)
         || !std::all_of(characters.begin(), characters.end(), isPlain)) {
         return failure(
             QStringLiteral("the name of a processor has letters, digits and plain signs, "
@@ -143,8 +151,9 @@ outcome<QString> publishedProcessorName(const QString &name)
         return failure(QStringLiteral("the processor's name is too long"));
     if (processorKey(name).isEmpty())
         return failure(QStringLiteral("the processor has no name"));
-    if (!lookalikes::instance().isOfOneScript(wanted)
-        || (!isAscii(wanted) && isAscii(lookalikes::instance().skeleton(wanted)))) {
+    if (!isAscii(wanted)
+        && (!lookalikes::instance().isOfOneScript(wanted)
+            || isAscii(lookalikes::instance().skeleton(wanted)))) {
         return failure(
             QStringLiteral("the letters of a processor's name must be of one script, and must not "
                            "pass for others"));
