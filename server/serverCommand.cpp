@@ -207,7 +207,6 @@ QVector<optionOwners> allOptionOwners()
          {command::serve}},
         {{endOption}, {command::importFile}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},
-        {{endOption}, {command::importFile}},
         {{dryRunOption},
          {command::publish, command::withdraw, command::restore, command::accept, command::forget}},
         {filterOptions(), {command::list, command::withdraw, command::restore, command::accept}},
