@@ -116,7 +116,8 @@ private:
     static bool isComplete(const QByteArray &received)
     {
         const int end = received.indexOf("\r\n\r\n");
-        const int start = received.indexOf("Content-Length: ");
+        // Proxies write the names of fields in small letters.
+        const int start = received.toLower().indexOf("content-length: ");
         return end >= 0 && start >= 0
                && received.size() >= end + 4 + received.mid(start + 16, 12).split('\r')[0].toInt();
     }

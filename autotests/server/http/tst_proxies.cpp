@@ -74,7 +74,10 @@ private:
         QByteArray text = shipped.readAll();
         text.replace("listen 80;", "listen 127.0.0.1:" + QByteArray::number(port) + ";");
         text.replace("bind :80\n", "bind 127.0.0.1:" + QByteArray::number(port) + "\n");
-        text.replace("127.0.0.1:8426", "127.0.0.1:" + QByteArray::number(serverPort));
+        for (const char *usual : {"8426", "8427"}) {
+            text.replace(QByteArray("127.0.0.1:") + usual,
+                         "127.0.0.1:" + QByteArray::number(serverPort));
+        }
         return write(file, text);
     }
     QString write(const char *file, const QByteArray &text) const
