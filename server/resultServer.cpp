@@ -182,10 +182,11 @@ void resultServer::upload(const QByteArray &xml, const ipAddress &client, const 
         reply(tooMany(uploadLimit, QStringLiteral("too many uploads; please try again later")));
         return;
     }
-    store.add(makeUpload(*machine, QDateTime::currentMSecsSinceEpoch()),
-              networkOf(QString::fromStdString(client.to_string())), [reply](bool isStored) {
-                  reply(isStored ? textAnswer(200, QStringLiteral("thank you")) : unavailable());
-              });
+    storedUpload stored = makeUpload(*machine, QDateTime::currentMSecsSinceEpoch());
+    stored.network = networkOf(QString::fromStdString(client.to_string()));
+    store.add(std::move(stored), [reply](bool isStored) {
+        reply(isStored ? textAnswer(200, QStringLiteral("thank you")) : unavailable());
+    });
 }
 
 void resultServer::health(bool isForWriting, const replier &reply)

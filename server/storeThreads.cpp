@@ -93,13 +93,12 @@ void storeThreads::newestList(bool isBeta, listTaker take)
     });
 }
 
-void storeThreads::add(storedUpload upload, QByteArray network, resultTaker take)
+void storeThreads::add(storedUpload upload, resultTaker take)
 {
     {
         const std::lock_guard lock(mutex);
         if (!isEnding && writes.size() < maximumBacklog) {
-            writes.push_back(
-                {std::move(upload), std::move(network), std::move(take), clock::now()});
+            writes.push_back({std::move(upload), std::move(take), clock::now()});
             writesChanged.notify_one();
             return;
         }
@@ -198,7 +197,10 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
     });
     if (batch.empty())
         return;
-    const outcome<void> areStored = twice(to, [&] { return add(to, batch); });
+    QVector<storedUpload> uploads;
+    for (const writeJob &job : batch)
+        uploads.append(job.upload);
+    const outcome<void> areStored = twice(to, [&] { return to.add(uploads); });
     if (!areStored && batch.size() > 1) {
         // One that the database refuses must not cost the rest of its batch.
         for (writeJob &job : batch)
@@ -209,14 +211,4 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
         writeLog(QStringLiteral("not stored: %1").arg(areStored.error()));
     for (const writeJob &job : batch)
         job.take(areStored.has_value());
-}
-
-outcome<void> storeThreads::add(resultStore &to, const std::vector<writeJob> &batch)
-{
-    QVector<storedUpload> uploads;
-    for (const writeJob &job : batch) {
-        uploads.append(job.upload);
-        uploads.last().network = job.network;
-    }
-    return to.add(uploads);
 }

@@ -43,8 +43,8 @@ public:
 
     void newestVersion(versionTaker take);
     void newestList(bool isBeta, listTaker take);
-    /// True when @p upload is durable. Its source becomes the day's token of @p network.
-    void add(storedUpload upload, QByteArray network, resultTaker take);
+    /// True when @p upload is durable.
+    void add(storedUpload upload, resultTaker take);
     /// Whether an upload could be stored now.
     void checkWritable(resultTaker take);
 
@@ -60,7 +60,6 @@ private:
     using readJob = std::function<void(const newestLists *)>;
     struct writeJob {
         storedUpload upload;
-        QByteArray network;
         resultTaker take;
         clock::time_point since;
     };
@@ -69,8 +68,6 @@ private:
     void serveReads();
     void serveWrites();
     void store(resultStore &to, std::vector<writeJob> batch);
-    /// Stores @p batch, in one transaction.
-    static outcome<void> add(resultStore &to, const std::vector<writeJob> &batch);
     void hasEnded();
 
     databaseAddress place;

@@ -24,7 +24,9 @@ template <typename Value, typename Ask> Value awaited(const Ask &ask)
 
 bool add(storeThreads &store, const storedUpload &upload, const QByteArray &network = {})
 {
-    return awaited<bool>([&](const auto &take) { store.add(upload, network, take); });
+    storedUpload sent = upload;
+    sent.network = network;
+    return awaited<bool>([&](const auto &take) { store.add(sent, take); });
 }
 
 std::optional<int> newestVersion(storeThreads &store)
@@ -171,12 +173,12 @@ void tst_storeThreads::oneThatIsRefused()
         const writeLock lock(fixture->address());
         QVERIFY(lock.isHeld);
         const auto count = [&](bool isStored) { isStored ? ++stored : ++refused; };
-        store.add(numbered(1), {}, count);
+        store.add(numbered(1), count);
         for (int i = 2; i < 10; ++i) {
             storedUpload upload = numbered(i);
             if (i == 5)
                 upload.state = QStringLiteral("nonsense");
-            store.add(upload, {}, count);
+            store.add(upload, count);
         }
     }
     QCOMPARE(stored, 8);
@@ -208,7 +210,7 @@ void tst_storeThreads::backlogIsBounded()
         const writeLock lock(fixture->address());
         QVERIFY(lock.isHeld);
         for (int i = 1; i <= total; ++i)
-            store.add(numbered(i), {}, [&](bool isStored) { isStored ? ++stored : ++refused; });
+            store.add(numbered(i), [&](bool isStored) { isStored ? ++stored : ++refused; });
         QVERIFY(refused >= more - 500 && refused <= more);
         QVERIFY(!store.end(50ms));
     }
