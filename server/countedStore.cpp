@@ -2,7 +2,6 @@
 #include "server/countedStore.h"
 
 #include "data/benchXml.h"
-#include "server/packedMachine.h"
 #include "server/storedUpload.h"
 #include "server/uploadCheck.h"
 
@@ -40,7 +39,7 @@ outcome<void> forEachRow(database &db, const char *sql, const QVector<QVariantLi
 
 /// Uploads that have changed, as columns.
 struct countedStore::changes {
-    QVector<QVariantList> counting{5}; ///< group, number, time, source, content
+    QVector<QVariantList> counting{3}; ///< group, number, content
     QVector<QVariantList> others{2};   ///< group, number
     QSet<QString> groups;
     qint64 last = 0;
@@ -150,14 +149,15 @@ outcome<countedStore::changes> countedStore::changesUpTo(qint64 last)
         const bool isCounting =
             (state == QLatin1String("received") || state == QLatin1String("published"))
             && row.value(3).toInt() == 0;
-        QVector<QVariantList> &columns = isCounting ? batch.counting : batch.others;
+        const auto run = isCounting
+                             ? countedRunOf(uploadedMachine(upload), row.value(4).toLongLong(),
+                                            row.value(5).toString().toLatin1())
+                             : std::nullopt;
+        QVector<QVariantList> &columns = run ? batch.counting : batch.others;
         columns[0].append(group);
         columns[1].append(row.value(0));
-        if (isCounting) {
-            columns[2].append(row.value(4));
-            columns[3].append(row.value(5));
-            columns[4].append(packedMachine(uploadedMachine(upload)));
-        }
+        if (run)
+            columns[2].append(packedRun(*run));
     };
     return db
         .read(QStringLiteral("SELECT id, group_key, state, is_empty, received, source, content,"
@@ -176,9 +176,8 @@ outcome<void> countedStore::take(const changes &batch)
         groups[0].append(group);
     const auto remember = [&] {
         return forEachRow(db,
-                          "INSERT INTO counted (group_key, upload, received, source, content)"
-                          " VALUES (?, ?, ?, ?, ?) ON CONFLICT (group_key, upload) DO UPDATE SET"
-                          " received = excluded.received, source = excluded.source,"
+                          "INSERT INTO counted (group_key, upload, content) VALUES (?, ?, ?)"
+                          " ON CONFLICT (group_key, upload) DO UPDATE SET"
                           " content = excluded.content",
                           batch.counting)
             .and_then([&] {
@@ -209,17 +208,14 @@ outcome<QStringList> countedStore::touchedGroups()
         .map([&keys] { return keys; });
 }
 
-outcome<QVector<countedUpload>> countedStore::uploadsOf(const QString &key)
+outcome<QVector<countedRun>> countedStore::runsOf(const QString &key)
 {
-    QVector<countedUpload> uploads;
+    QVector<countedRun> runs;
     return db
-        .read(QStringLiteral("SELECT received, source, content FROM counted WHERE group_key = ?"),
-              {key},
-              [&uploads](const QSqlQuery &row) {
-                  uploads.append({row.value(0).toLongLong(), row.value(1).toString().toLatin1(),
-                                  unpackedMachine(row.value(2).toByteArray())});
-              })
-        .map([&uploads] { return uploads; });
+        .read(
+            QStringLiteral("SELECT content FROM counted WHERE group_key = ?"), {key},
+            [&runs](const QSqlQuery &row) { runs.append(unpackedRun(row.value(0).toByteArray())); })
+        .map([&runs] { return runs; });
 }
 
 outcome<void> countedStore::store(const QVector<keyedVerdict> &verdicts)

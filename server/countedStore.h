@@ -14,8 +14,8 @@ struct keyedVerdict {
     groupVerdict verdict;
 };
 
-/// What publishing keeps in the database from one time to the next: the uploads that count,
-/// packed and by groups, and what each group makes.
+/// What publishing keeps in the database from one time to the next: the uploads that count, which
+/// are whole runs, packed and by groups, and what each group makes.
 ///
 /// Everything is written in short transactions, so that uploads can be stored in between, and each
 /// leaves the tables right: whoever is interrupted goes on there the next time. Only the one who
@@ -35,7 +35,7 @@ public:
     outcome<void> catchUp();
     /// The groups in which something has changed.
     outcome<QStringList> touchedGroups();
-    outcome<QVector<countedUpload>> uploadsOf(const QString &key);
+    outcome<QVector<countedRun>> runsOf(const QString &key);
     /// Stores what groups make. One without uploads is forgotten.
     outcome<void> store(const QVector<keyedVerdict> &verdicts);
     /// The candidates for a list of at most @p most machines, those with most sources first.

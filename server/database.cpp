@@ -124,7 +124,9 @@ outcome<void> database::configure()
         settings = purpose == databaseUse::reading
                        ? QStringList(QStringLiteral("PRAGMA query_only = 1"))
                        : QStringList({QStringLiteral("PRAGMA journal_mode = WAL"),
-                                      QStringLiteral("PRAGMA synchronous = FULL")});
+                                      QStringLiteral("PRAGMA synchronous = FULL"),
+                                      // What is deleted is gone: names, keys of sources.
+                                      QStringLiteral("PRAGMA secure_delete = ON")});
     } else {
         settings = QStringList({
             QStringLiteral("SET lock_timeout = %1").arg(*address.lockTimeout),

@@ -35,7 +35,8 @@ outcome<listPair> newestLists(resultStore &store, const QVector<benchResults> &b
 outcome<publishReport> publication::run()
 {
     listPair made;
-    return counted.begin(rulesName(options.rules), options.isAfresh)
+    return forgetSourceKeys()
+        .and_then([this] { return counted.begin(rulesName(options.rules), options.isAfresh); })
         .and_then([this] { return counted.catchUp(); })
         .and_then([this] { return judgeTouched(); })
         .and_then([this] { return list(false, report.leftOut); })
@@ -56,6 +57,14 @@ outcome<publishReport> publication::run()
         });
 }
 
+outcome<void> publication::forgetSourceKeys()
+{
+    return store.connection().write([this] {
+        return store.connection().change(QStringLiteral("DELETE FROM source_keys WHERE day < ?"),
+                                         {dayOf(options.now)});
+    });
+}
+
 outcome<void> publication::judgeTouched()
 {
     constexpr int batchSize = 200;
@@ -65,10 +74,10 @@ outcome<void> publication::judgeTouched()
     QVector<keyedVerdict> batch;
     for (int i = 0; i < touched->size(); ++i) {
         const QString &key = touched->at(i);
-        const outcome<QVector<countedUpload>> uploads = counted.uploadsOf(key);
-        if (!uploads)
-            return failure(uploads.error());
-        batch.append({key, uploads->size(), judge(*uploads, options.rules)});
+        const outcome<QVector<countedRun>> runs = counted.runsOf(key);
+        if (!runs)
+            return failure(runs.error());
+        batch.append({key, runs->size(), judge(*runs, options.rules)});
         if (batch.size() < batchSize && i + 1 < touched->size())
             continue;
         if (const outcome<void> done = counted.store(batch); !done)

@@ -53,6 +53,8 @@ public:
     void afterEachWrite(const std::function<void()> &hook) { counted.afterEachWrite = hook; }
 
 private:
+    /// On a day without uploads nobody else deletes the key of the day before.
+    outcome<void> forgetSourceKeys();
     outcome<void> judgeTouched();
     outcome<QByteArray> list(bool isBeta, qint64 &leftOut);
     outcome<void> storeIfNew(const listPair &made);

@@ -78,8 +78,6 @@ QStringList publishingTables(bool isSqlite)
         QStringLiteral("CREATE TABLE counted ("
                        " group_key TEXT%1 NOT NULL,"
                        " upload BIGINT NOT NULL,"
-                       " received BIGINT NOT NULL,"
-                       " source TEXT NOT NULL,"
                        " content %2 NOT NULL,"
                        " PRIMARY KEY (group_key, upload))%3")
             .arg(bytewise, bytes, isSqlite ? QStringLiteral(" WITHOUT ROWID") : QString()),

@@ -205,8 +205,8 @@ QVector<optionOwners> allOptionOwners()
         {{listenOption, uploadLimitOption, readLimitOption, connectionsOption,
           connectionsOfOneOption, proxyOption},
          {command::serve}},
-        {{endOption}, {command::importFile}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},
+        {{endOption}, {command::importFile}},
         {{dryRunOption},
          {command::publish, command::withdraw, command::restore, command::accept, command::forget}},
         {filterOptions(), {command::list, command::withdraw, command::restore, command::accept}},
@@ -266,8 +266,8 @@ outcome<void> readVerb(const QCommandLineParser &parser, const verb &found, serv
     if (const outcome<void> known = checkOptions(parser, found.action); !known)
         return known;
     command.wanted = found.action;
-    command.isEndOptional = parser.isSet(endOption);
     command.isDryRun = parser.isSet(dryRunOption);
+    command.isEndOptional = parser.isSet(endOption);
     switch (found.action) {
     case serverCommand::serve:
         return readServeOptions(parser, command);

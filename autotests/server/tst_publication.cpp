@@ -121,6 +121,8 @@ private slots:
     void damagedUpload();
     void noVersionLeft_data() { storeFixture::addProducts(); }
     void noVersionLeft();
+    void oldSourceKeys_data() { storeFixture::addProducts(); }
+    void oldSourceKeys();
     void preview_data() { storeFixture::addProducts(); }
     void preview();
     void previewWritesNothing_data() { storeFixture::addProducts(); }
@@ -261,8 +263,8 @@ void tst_publication::stepByStepIsLikeAfresh()
     resultStore store(fixture->address());
     QVERIFY(store.open());
     const QVector<storedUpload> uploads = aLot();
-    for (int i = 0; i < uploads.size(); i += 7) {
-        QVERIFY(store.add(uploads.mid(i, 7)));
+    for (int i = 0; i < uploads.size(); i += 40) {
+        QVERIFY(store.add(uploads.mid(i, 40)));
         if (i % 3 == 0)
             QVERIFY(store.withdraw(i / 2 + 1, QStringLiteral("why")).has_value());
         QVERIFY(publishIn(store).has_value());
@@ -418,6 +420,21 @@ void tst_publication::noVersionLeft()
     QVERIFY(addLists(store, 2'147'483'647));
     QCOMPARE(why(publishIn(store)), QStringLiteral("there is no version above 2147483647"));
     QCOMPARE(statesIn(store), QStringLiteral("received received received"));
+}
+
+void tst_publication::oldSourceKeys()
+{
+    resultStore store(fixture->address());
+    QVERIFY(store.open());
+    for (const int number : {100, 101}) {
+        QVERIFY(store.connection().change(QStringLiteral("INSERT INTO source_keys VALUES (?, ?)"),
+                                          {number, QStringLiteral("key")}));
+    }
+    publishOptions options;
+    options.now = 101 * day;
+    QVERIFY(publishIn(store, options).has_value());
+    QCOMPARE(store.connection().number(QStringLiteral("SELECT sum(day) FROM source_keys")).value(),
+             qint64(101));
 }
 
 void tst_publication::preview()

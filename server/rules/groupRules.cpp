@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/rules/groupRules.h"
 
-#include "server/rules/plausibility.h"
 #include "server/rules/processorName.h"
 #include "server/rules/sourceToken.h"
 
@@ -10,18 +9,21 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <deque>
+#include <iterator>
+#include <vector>
 
 namespace
 {
 
-/// Of an even number of values, the mean of the two in the middle.
-float median(QVector<float> values)
+/// Of an even number of values, the mean of the two in the middle. Changes their order.
+float median(std::vector<float> &values)
 {
-    std::sort(values.begin(), values.end());
-    const int middle = values.size() / 2;
-    return values.size() % 2 == 1 ? values.at(middle)
-                                  : (values.at(middle - 1) + values.at(middle)) / 2;
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    if (values.size() % 2 == 1)
+        return *middle;
+    return (*std::max_element(values.begin(), middle) + *middle) / 2;
 }
 
 /// The published spelling that most of @p names have; of those that are equally many, the first in
@@ -37,54 +39,77 @@ QString mostFrequentSpelling(const QVector<QString> &names)
     return std::max_element(counts.begin(), counts.end()).key();
 }
 
-/// The machine in the middle of @p machines, all of one group and with the results of whole runs.
-benchResults middleOf(const QVector<benchResults> &machines)
+using runs = std::vector<const countedRun *>;
+
+/// The medians of @p all, of one group.
+countedRun middleOf(const runs &all)
 {
     QVector<QString> names;
-    QVector<float> clocks;
-    QMap<QString, QVector<float>> results;
-    for (const benchResults &machine : machines) {
-        names.append(machine.getCpu());
-        clocks.append(machine.getFrequency());
-        for (auto test = machine.getTests().begin(); test != machine.getTests().end(); ++test)
-            results[test.key()].append(test->value);
+    std::vector<float> values;
+    for (const countedRun *run : all) {
+        names.append(run->processor);
+        values.push_back(run->clock);
     }
-    const QString name = mostFrequentSpelling(names);
-    const benchResults &any = machines.first();
-    benchResults middle(name, any.getOs(), name, median(clocks), any.getThreads());
-    for (auto test = results.begin(); test != results.end(); ++test)
-        middle.setTest(test.key(), benchResults::test(median(*test)));
+    countedRun middle = *all.front();
+    middle.processor = mostFrequentSpelling(names);
+    middle.clock = median(values);
+    for (int test = 0; test < middle.results.size(); ++test) {
+        values.clear();
+        for (const countedRun *run : all)
+            values.push_back(run->results.at(test));
+        middle.results[test] = median(values);
+    }
     return middle;
 }
 
-/// What one source uploaded on one day.
-struct statement {
-    qint64 day = 0;
-    QByteArray source;
-    qint64 first = 0;
-    benchResults machine;
-};
-
-QVector<statement> statementsIn(const QVector<countedUpload> &uploads)
+benchResults machineOf(const countedRun &run)
 {
-    QMap<std::pair<qint64, QByteArray>, QVector<countedUpload>> bySource;
-    for (const countedUpload &upload : uploads) {
-        if (isWholeRun(upload.machine))
-            bySource[{dayOf(upload.received), upload.source}].append(upload);
-    }
-    QVector<statement> statements;
-    for (auto entry = bySource.begin(); entry != bySource.end(); ++entry) {
-        QVector<benchResults> machines;
-        qint64 first = entry->first().received;
-        for (const countedUpload &upload : *entry) {
-            machines.append(upload.machine);
-            first = std::min(first, upload.received);
-        }
-        const benchResults one = machines.size() == 1 ? machines.first() : middleOf(machines);
-        statements.append({entry.key().first, entry.key().second, first, one});
-    }
-    return statements;
+    benchResults machine(run.processor, run.os, run.processor, run.clock, run.threads);
+    for (int test = 0; test < run.results.size(); ++test)
+        machine.setTest(wholeRunTests().at(test), benchResults::test(run.results.at(test)));
+    return machine;
 }
+
+/// What one source uploaded on one day: the run, or the middle of several, with the time of the
+/// first.
+class statements
+{
+public:
+    explicit statements(const QVector<countedRun> &all)
+    {
+        runs sorted;
+        for (const countedRun &run : all)
+            sorted.push_back(&run);
+        const auto isBefore = [](const countedRun *a, const countedRun *b) {
+            const qint64 dayOfA = dayOf(a->received);
+            const qint64 dayOfB = dayOf(b->received);
+            return dayOfA == dayOfB ? a->source < b->source : dayOfA < dayOfB;
+        };
+        std::sort(sorted.begin(), sorted.end(), isBefore);
+        for (auto first = sorted.begin(); first != sorted.end();) {
+            const auto last = std::upper_bound(first, sorted.end(), *first, isBefore);
+            found.push_back(last - first == 1 ? *first : middle(runs(first, last)));
+            first = last;
+        }
+    }
+
+    const runs &all() const { return found; }
+
+private:
+    const countedRun *middle(const runs &several)
+    {
+        middles.push_back(middleOf(several));
+        const auto isEarlier = [](const countedRun *a, const countedRun *b) {
+            return a->received < b->received;
+        };
+        middles.back().received =
+            (*std::min_element(several.begin(), several.end(), isEarlier))->received;
+        return &middles.back();
+    }
+
+    std::deque<countedRun> middles; // whose members stay where they are
+    runs found;
+};
 
 /// The range of a test's results that counts.
 struct range {
@@ -92,15 +117,14 @@ struct range {
     float most = 0;
 };
 
-range rangeOf(const QVector<float> &results)
+range rangeOf(std::vector<float> &results)
 {
     constexpr float toStandardDeviation = 1.4826F; // of a normal distribution
     const float middle = median(results);
-    QVector<float> distances;
-    for (const float result : results)
-        distances.append(std::abs(result - middle));
+    for (float &result : results)
+        result = std::abs(result - middle);
     const float deviation =
-        std::max(toStandardDeviation * median(distances), leastDeviation * middle);
+        std::max(toStandardDeviation * median(results), leastDeviation * middle);
     return {middle - mostDeviations * deviation, middle + mostDeviations * deviation};
 }
 
@@ -108,40 +132,39 @@ range rangeOf(const QVector<float> &results)
 class resultRanges
 {
 public:
-    explicit resultRanges(const QVector<statement> &statements)
+    explicit resultRanges(const runs &all)
     {
-        QMap<QString, QVector<float>> results;
-        for (const statement &one : statements) {
-            const QMap<QString, benchResults::test> &tests = one.machine.getTests();
-            for (auto test = tests.begin(); test != tests.end(); ++test)
-                results[test.key()].append(test->value);
+        std::vector<float> results;
+        for (int test = 0; !all.empty() && test < all.front()->results.size(); ++test) {
+            results.clear();
+            for (const countedRun *run : all)
+                results.push_back(run->results.at(test));
+            ranges.append(rangeOf(results));
         }
-        for (auto test = results.begin(); test != results.end(); ++test)
-            ranges.insert(test.key(), rangeOf(*test));
     }
 
-    bool haveInside(const benchResults &machine) const
+    bool haveInside(const countedRun &run) const
     {
-        const QMap<QString, benchResults::test> &tests = machine.getTests();
-        for (auto test = tests.begin(); test != tests.end(); ++test) {
-            const range own = ranges.value(test.key());
-            if (!(test->value >= own.least && test->value <= own.most))
+        for (int test = 0; test < ranges.size(); ++test) {
+            const float result = run.results.at(test);
+            if (!(result >= ranges.at(test).least && result <= ranges.at(test).most))
                 return false;
         }
         return true;
     }
 
 private:
-    QMap<QString, range> ranges;
+    QVector<range> ranges;
 };
 
-QVector<statement> withoutOutliers(const QVector<statement> &statements)
+QVector<countedRun> wholeRunsAmong(const QVector<countedUpload> &uploads)
 {
-    const resultRanges ranges(statements);
-    QVector<statement> inside;
-    std::copy_if(statements.begin(), statements.end(), std::back_inserter(inside),
-                 [&ranges](const statement &one) { return ranges.haveInside(one.machine); });
-    return inside;
+    QVector<countedRun> whole;
+    for (const countedUpload &upload : uploads) {
+        if (const auto run = countedRunOf(upload.machine, upload.received, upload.source))
+            whole.append(*run);
+    }
+    return whole;
 }
 
 } // namespace
@@ -158,23 +181,31 @@ QString groupKey(const benchResults &machine)
 
 groupVerdict judge(const QVector<countedUpload> &uploads, ruleSet rules)
 {
-    const QVector<statement> counted = withoutOutliers(statementsIn(uploads));
-    if (counted.isEmpty())
+    return judge(wholeRunsAmong(uploads), rules);
+}
+
+groupVerdict judge(const QVector<countedRun> &all, ruleSet rules)
+{
+    const statements said(all);
+    const resultRanges ranges(said.all());
+    runs counted;
+    std::copy_if(said.all().begin(), said.all().end(), std::back_inserter(counted),
+                 [&ranges](const countedRun *run) { return ranges.haveInside(*run); });
+    if (counted.empty())
         return {};
     QSet<qint64> days;
     QSet<QByteArray> sources;
-    QVector<benchResults> machines;
     groupVerdict verdict;
-    verdict.first = counted.first().first;
-    for (const statement &one : counted) {
-        days.insert(one.day);
+    verdict.first = counted.front()->received;
+    for (const countedRun *one : counted) {
+        const qint64 day = dayOf(one->received);
+        days.insert(day);
         // Unknown sources of two days may be the same, as known ones may.
-        sources.insert(one.source.isEmpty() ? QByteArray::number(one.day) : one.source);
-        machines.append(one.machine);
-        verdict.first = std::min(verdict.first, one.first);
+        sources.insert(one->source.isEmpty() ? QByteArray::number(day) : one->source);
+        verdict.first = std::min(verdict.first, one->received);
     }
     verdict.sources = sources.size();
-    verdict.beta = middleOf(machines);
+    verdict.beta = machineOf(middleOf(counted));
     if (rules == ruleSet::circle
         || (verdict.sources >= sourcesForTheNormalList && days.size() >= daysForTheNormalList))
         verdict.normal = verdict.beta;
@@ -183,11 +214,14 @@ groupVerdict judge(const QVector<countedUpload> &uploads, ruleSet rules)
 
 QVector<int> outliersAmong(const QVector<countedUpload> &uploads)
 {
-    const resultRanges ranges(statementsIn(uploads));
+    const QVector<countedRun> whole = wholeRunsAmong(uploads);
+    const statements said(whole);
+    const resultRanges ranges(said.all());
     QVector<int> found;
     for (int i = 0; i < uploads.size(); ++i) {
-        const benchResults &machine = uploads.at(i).machine;
-        if (isWholeRun(machine) && !ranges.haveInside(machine))
+        const countedUpload &upload = uploads.at(i);
+        const auto run = countedRunOf(upload.machine, upload.received, upload.source);
+        if (run && !ranges.haveInside(*run))
             found.append(i);
     }
     return found;

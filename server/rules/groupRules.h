@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "engine/benchResults.h"
-
-#include <QByteArray>
-#include <QString>
-#include <QVector>
-
-#include <optional>
+#include "server/rules/countedRun.h"
 
 /// An upload that has a say in what is published.
 struct countedUpload {
@@ -52,6 +46,8 @@ QString groupKey(const benchResults &machine);
 /// are left out. What remains makes a machine, the median in each test, under the spelling of the
 /// processor's name that most of them have.
 groupVerdict judge(const QVector<countedUpload> &uploads, ruleSet rules);
+/// The same for uploads that are known to be whole runs.
+groupVerdict judge(const QVector<countedRun> &runs, ruleSet rules);
 
 /// The indexes of those of @p uploads, all of one group, that are whole runs with an outlying
 /// result.
