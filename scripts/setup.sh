@@ -20,6 +20,9 @@ has_file() {
     return 1
 }
 
+# Where a system's own services are, which is not on everybody's path.
+has_program() { has_command "$1" || [ -x "/usr/sbin/$1" ]; }
+
 has_header() { [ -e "/usr/include/$1" ] || [ -e "/usr/local/include/$1" ]; }
 
 has_cmake_package() { has_file "cmake/$1/$1Config.cmake" || has_file "cmake/$1/${1,,}-config.cmake"; }
@@ -57,6 +60,8 @@ need_test_tools() {
     need has_cmake_package benchmark libbenchmark-dev
     need has_file qt5/plugins/sqldrivers/libqsqlpsql.so libqt5sql5-psql
     need has_file 'postgresql/*/bin/initdb' postgresql
+    need has_program haproxy haproxy
+    need has_program nginx nginx-light
     need_style_tools
 }
 

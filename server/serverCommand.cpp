@@ -206,7 +206,6 @@ QVector<optionOwners> allOptionOwners()
           connectionsOfOneOption, proxyOption},
          {command::serve}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},
-        {{endOption}, {command::importFile}},
         {{dryRunOption},
          {command::publish, command::withdraw, command::restore, command::acceptHeld,
           command::forget}},
