@@ -206,6 +206,7 @@ QVector<optionOwners> allOptionOwners()
           connectionsOfOneOption, proxyOption},
          {command::serve}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},
+        {{endOption}, {command::importFile}},
         {{dryRunOption},
          {command::publish, command::withdraw, command::restore, command::acceptHeld,
           command::forget}},
