@@ -130,7 +130,7 @@ exitCode runOperatorCommand(const serverCommand &command)
         return moderate(moderation::action::withdraw);
     case serverCommand::restore:
         return moderate(moderation::action::restore);
-    case serverCommand::accept:
+    case serverCommand::acceptHeld:
         return moderate(moderation::action::accept);
     case serverCommand::forget:
         return moderate(moderation::action::forget);

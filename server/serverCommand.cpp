@@ -23,7 +23,7 @@ constexpr verb verbs[] = {
     {"serve", serverCommand::serve, 0, 0},       {"publish", serverCommand::publish, 0, 0},
     {"import", serverCommand::importFile, 1, 1}, {"export", serverCommand::exportAll, 0, 0},
     {"list", serverCommand::list, 0, 1},         {"withdraw", serverCommand::withdraw, 0, 1},
-    {"restore", serverCommand::restore, 0, 1},   {"accept", serverCommand::accept, 0, 1},
+    {"restore", serverCommand::restore, 0, 1},   {"accept", serverCommand::acceptHeld, 0, 1},
     {"forget", serverCommand::forget, 0, 1},
 };
 
@@ -183,7 +183,7 @@ std::optional<moderation::action> moderationOf(serverCommand::action action)
         return moderation::action::withdraw;
     case serverCommand::restore:
         return moderation::action::restore;
-    case serverCommand::accept:
+    case serverCommand::acceptHeld:
         return moderation::action::accept;
     case serverCommand::forget:
         return moderation::action::forget;
@@ -205,13 +205,16 @@ QVector<optionOwners> allOptionOwners()
         {{listenOption, uploadLimitOption, readLimitOption, connectionsOption,
           connectionsOfOneOption, proxyOption},
          {command::serve}},
-        {{endOption}, {command::importFile}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},
+        {{endOption}, {command::importFile}},
         {{dryRunOption},
-         {command::publish, command::withdraw, command::restore, command::accept, command::forget}},
-        {filterOptions(), {command::list, command::withdraw, command::restore, command::accept}},
+         {command::publish, command::withdraw, command::restore, command::acceptHeld,
+          command::forget}},
+        {filterOptions(),
+         {command::list, command::withdraw, command::restore, command::acceptHeld}},
         {listingOptions(), {command::list}},
-        {{whyOption()}, {command::withdraw, command::restore, command::accept, command::forget}},
+        {{whyOption()},
+         {command::withdraw, command::restore, command::acceptHeld, command::forget}},
         {{olderThanOption()}, {command::forget}},
     };
 }

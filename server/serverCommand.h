@@ -11,7 +11,17 @@
 
 /// What the arguments of fennick-server ask for.
 struct serverCommand {
-    enum action { serve, publish, importFile, exportAll, list, withdraw, restore, accept, forget };
+    enum action {
+        serve,
+        publish,
+        importFile,
+        exportAll,
+        list,
+        withdraw,
+        restore,
+        acceptHeld,
+        forget
+    };
 
     action wanted = serve;
     serverOptions options;

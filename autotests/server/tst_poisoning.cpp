@@ -212,7 +212,8 @@ void tst_poisoning::otherSystemsOfAModel()
 
 void tst_poisoning::floodOfNames()
 {
-    constexpr int inventions = 34'500;
+    // As many as were tried, on one product; the bound does not depend on it.
+    const int inventions = QByteArray(QTest::currentDataTag()) == "SQLite" ? 34'500 : 5'000;
     QVERIFY(store->add(threeSources(wholeRun(honest))));
     QVERIFY(store->add({upload(wholeRun(honest + QStringLiteral(" PRO")), 9, 2 * day)}));
     const benchResults machine = wholeRun(invented, 10);

@@ -135,8 +135,8 @@ void tst_serverCommand::requests_data()
     row("withdraw --processor X --why flood", serverCommand::withdraw, "--processor 'X'");
     row("withdraw --limit 3 --why flood", serverCommand::withdraw, "--limit 3");
     row("restore 7", serverCommand::restore, "7");
-    row("accept 7 --why seen", serverCommand::accept, "7");
-    row("accept --state held --why seen", serverCommand::accept, "--state 'held'");
+    row("accept 7 --why seen", serverCommand::acceptHeld, "7");
+    row("accept --state held --why seen", serverCommand::acceptHeld, "--state 'held'");
     row("forget 7", serverCommand::forget, "7");
 }
 
