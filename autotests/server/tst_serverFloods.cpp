@@ -7,8 +7,12 @@
 
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
+#include <utility>
 #include <vector>
+
+#include <sys/resource.h>
 
 namespace
 {
@@ -63,6 +67,8 @@ private slots:
     void crowdOfManyAddresses_data() { crowdOfOneAddress_data(); }
     void crowdOfManyAddresses();
     void proxiesAreNoCrowd();
+    void moreThanTheUsualFiles();
+    void allAtOnce();
     void databaseThatHangs_data();
     void databaseThatHangs();
 
@@ -145,6 +151,50 @@ void tst_serverFloods::proxiesAreNoCrowd()
         clients.push_back(std::make_unique<rawClient>(server.port));
     for (const auto &client : clients)
         QCOMPARE(bodyOf(client->post(askVersion)), QByteArray("1010"));
+}
+
+/// Each connection is a file, of which a process usually may have a thousand.
+void tst_serverFloods::moreThanTheUsualFiles()
+{
+    rlimit allowed{};
+    getrlimit(RLIMIT_NOFILE, &allowed);
+    if (allowed.rlim_max < 3'000)
+        QSKIP("this system allows no more files");
+    const rlim_t usual = std::exchange(allowed.rlim_cur, 1'024);
+    setrlimit(RLIMIT_NOFILE, &allowed); // which the server inherits
+    const serverProcess server(sqlite(), {QStringLiteral("--connections"), limit(1'200),
+                                          QStringLiteral("--connections-per-address"), limit(1'200),
+                                          QStringLiteral("--read-limit"), QStringLiteral("0/1")});
+    allowed.rlim_cur = 3'000;
+    setrlimit(RLIMIT_NOFILE, &allowed);
+    std::vector<std::unique_ptr<rawClient>> clients;
+    for (int i = 0; i < 1'150; ++i)
+        clients.push_back(std::make_unique<rawClient>(server.port));
+    int answered = 0;
+    for (const auto &client : clients)
+        answered += bodyOf(client->post(askVersion)) == "1010" ? 1 : 0;
+    QCOMPARE(answered, 1'150);
+    clients.clear();
+    allowed.rlim_cur = usual;
+    setrlimit(RLIMIT_NOFILE, &allowed);
+}
+
+/// Whoever comes while the server is busy waits, and is not turned away.
+void tst_serverFloods::allAtOnce()
+{
+    const serverProcess server(sqlite());
+    const auto id = static_cast<pid_t>(server.process.processId());
+    kill(id, SIGSTOP);
+    std::vector<std::unique_ptr<QTcpSocket>> clients;
+    for (int i = 0; i < 50; ++i) {
+        clients.push_back(std::make_unique<QTcpSocket>());
+        clients.back()->connectToHost(QHostAddress::LocalHost, server.port);
+    }
+    int connected = 0;
+    for (const auto &client : clients)
+        connected += client->waitForConnected(500) ? 1 : 0;
+    kill(id, SIGCONT);
+    QCOMPARE(connected, 50);
 }
 
 void tst_serverFloods::databaseThatHangs_data()
