@@ -87,7 +87,7 @@ outcome<void> checkDatabase(const databaseAddress &address)
 
 } // namespace
 
-exitCode serve(const serverCommand &command)
+exitCode runServer(const serverCommand &command)
 {
     if (const outcome<void> isUsable = checkDatabase(command.options.database); !isUsable) {
         return failed(QStringLiteral("the database cannot be opened: %1").arg(isUsable.error()));

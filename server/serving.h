@@ -6,4 +6,4 @@
 struct serverCommand;
 
 /// Serves as @p command says until the process is asked to end. The program's exit code.
-exitCode serve(const serverCommand &command);
+exitCode runServer(const serverCommand &command);
