@@ -14,5 +14,6 @@ exitCode runServerProgram(const QStringList &arguments)
         parseServerCommand(arguments, directory + QStringLiteral("/results.sqlite"));
     if (!command)
         return sayInClosing(command.error());
-    return command->wanted == serverCommand::serve ? runServer(*command) : runOperatorCommand(*command);
+    return command->wanted == serverCommand::serve ? runServer(*command)
+                                                   : runOperatorCommand(*command);
 }
