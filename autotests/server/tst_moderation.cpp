@@ -56,7 +56,7 @@ private slots:
         if (QByteArray(QTest::currentTestFunction()) == "numbers")
             return; // which needs no database
         fixture->begin();
-        store = std::make_unique<resultStore>(fixture->address());
+        store = std::make_unique<resultStore>(fixture->address(), databaseUse::operating);
         QVERIFY(store->open());
     }
     void cleanup() { store.reset(); }

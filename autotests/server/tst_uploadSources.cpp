@@ -39,7 +39,7 @@ private slots:
     void init()
     {
         fixture->begin();
-        store = std::make_unique<resultStore>(fixture->address());
+        store = std::make_unique<resultStore>(fixture->address(), databaseUse::operating);
         QVERIFY(store->open());
     }
     void cleanup() { store.reset(); }
