@@ -112,7 +112,7 @@ inline QByteArray recognizable(const QByteArray &name)
 /// Adds lists with this version and recognizable contents.
 inline outcome<void> addLists(resultStore &store, int version)
 {
-    const qint64 made = 2'000 + version;
+    const qint64 made = qint64(2'000) + version;
     return store.restore({}, {{version, false, made, qCompress(recognizable("normal"))},
                               {version, true, made, qCompress(recognizable("beta"))}});
 }

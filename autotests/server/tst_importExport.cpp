@@ -68,7 +68,7 @@ private:
 
 void tst_importExport::exportAndImport()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(
         store.add({numbered(0), numbered(1), numbered(2),
@@ -98,7 +98,7 @@ void tst_importExport::exportAndImport()
 
 void tst_importExport::importOfAList()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     const QByteArray list = "<Fennick>\r\n"
                             "<bench machineName=\"A (est.)\" os=\"linux\" cpu=\"a\" clock=\"1\" "
@@ -135,7 +135,7 @@ void tst_importExport::brokenImports()
     const QByteArray good = "<Fennick><bench machineName=\"x\" os=\"linux\" cpu=\"A CPU\" "
                             "clock=\"1\" threadCount=\"1\"><test name=\"mandel\" "
                             "result=\"9\"/></bench></Fennick>";
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(import(store, good));
     QCOMPARE(uploadsIn(store).size(), 1);
@@ -269,7 +269,7 @@ void tst_importExport::oldExport()
 {
     QFile file(QStringLiteral(FENNICK_SCHEMA_1) + QStringLiteral("/results.xml"));
     QVERIFY(file.open(QIODevice::ReadOnly));
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     const auto refused = importFrom(file, store, {now});
@@ -321,7 +321,7 @@ void tst_importExport::incompleteExport()
 
 void tst_importExport::damagedUpload()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.restore({numbered(1), numbered(2)}, {}));
     QVERIFY(store.connection().change(QStringLiteral(

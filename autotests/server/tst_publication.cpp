@@ -136,7 +136,7 @@ private:
 
 void tst_publication::nothingToPublish()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     const auto report = publishIn(store);
     QCOMPARE(why(report), QString());
@@ -151,7 +151,7 @@ void tst_publication::nothingToPublish()
 
 void tst_publication::versionsAndStates()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3) + QVector<storedUpload>{numbered(0), runOf(cpuB, 9)}));
     const auto first = publishIn(store);
@@ -175,7 +175,7 @@ void tst_publication::versionsAndStates()
 
 void tst_publication::nothingNew()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     QVERIFY(publishIn(store)->isNew);
@@ -194,7 +194,7 @@ void tst_publication::nothingNew()
 
 void tst_publication::withdrawn()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3) + runsOf(cpuB, 1, 1)));
     QVERIFY(publishIn(store)->isNew);
@@ -215,7 +215,7 @@ void tst_publication::withdrawn()
 
 void tst_publication::otherRules()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 1)));
     publishOptions circle;
@@ -260,7 +260,7 @@ void tst_publication::ordersAndProducts()
 
 void tst_publication::stepByStepIsLikeAfresh()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     const QVector<storedUpload> uploads = aLot();
     for (int i = 0; i < uploads.size(); i += 40) {
@@ -282,7 +282,7 @@ void tst_publication::uploadsMeanwhile()
 {
     databaseAddress impatient = fixture->address();
     impatient.lockTimeout = 1; // whoever publishes must not hold the lock between its steps
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     resultStore other(impatient);
     QVERIFY(store.open() && other.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
@@ -310,7 +310,7 @@ void tst_publication::uploadsMeanwhile()
 
 void tst_publication::withdrawnMeanwhile()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     resultStore other(fixture->address());
     QVERIFY(store.open() && other.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 4)));
@@ -334,7 +334,7 @@ void tst_publication::interrupted()
     // After any of its steps, the next one goes on where it was.
     for (int steps = 1;; ++steps) {
         fixture->begin();
-        resultStore store(fixture->address());
+        resultStore store(fixture->address(), databaseUse::operating);
         QVERIFY(store.open());
         QVERIFY(store.add(runsOf(cpuA, 1, 3)));
         QVERIFY(publishIn(store)->isNew);
@@ -366,7 +366,7 @@ void tst_publication::interrupted()
 
 void tst_publication::twoAtOnce()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     resultStore other(fixture->address());
     QVERIFY(store.open() && other.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
@@ -403,7 +403,7 @@ void tst_publication::writeLockHeld()
 
 void tst_publication::damagedUpload()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     QVERIFY(store.connection().change(
@@ -414,7 +414,7 @@ void tst_publication::damagedUpload()
 
 void tst_publication::noVersionLeft()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     QVERIFY(addLists(store, 2'147'483'647));
@@ -424,7 +424,7 @@ void tst_publication::noVersionLeft()
 
 void tst_publication::oldSourceKeys()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     for (const int number : {100, 101}) {
         QVERIFY(store.connection().change(QStringLiteral("INSERT INTO source_keys VALUES (?, ?)"),
@@ -439,7 +439,7 @@ void tst_publication::oldSourceKeys()
 
 void tst_publication::preview()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(!previewIn(store)->isNew);
     QVERIFY(store.add(runsOf(cpuA, 1, 3) + runsOf(cpuB, 1, 1)));
@@ -464,7 +464,7 @@ void tst_publication::preview()
 void tst_publication::previewWritesNothing()
 {
     {
-        resultStore store(fixture->address());
+        resultStore store(fixture->address(), databaseUse::operating);
         QVERIFY(store.open());
         QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     }
@@ -479,7 +479,7 @@ void tst_publication::previewWritesNothing()
 void tst_publication::afterAMigration()
 {
     fixture->beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1));
-    resultStore store(fixture->address());
+    resultStore store(fixture->address(), databaseUse::operating);
     QCOMPARE(why(store.open()), QString());
     publishOptions circle;
     circle.rules = ruleSet::circle;

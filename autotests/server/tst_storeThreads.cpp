@@ -216,7 +216,7 @@ void tst_storeThreads::backlogIsBounded()
     }
     QVERIFY(store.end(std::chrono::milliseconds::max()));
     QCOMPARE(stored + refused, total);
-    QVERIFY(stored >= static_cast<int>(storeThreads::maximumBacklog));
+    QVERIFY(stored > 0); // and all that had waited for less than their time
     // Nobody is kept waiting by one that has ended.
     QVERIFY(!add(store, numbered(total + 1)));
     QVERIFY(!newestVersion(store));
