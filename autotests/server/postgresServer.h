@@ -56,7 +56,7 @@ public:
     /// A new database with what @p dump, a file of SQL, makes.
     QString newDatabase(const QString &dump)
     {
-        const QString place = newDatabase();
+        QString place = newDatabase();
         QFile sql(dump);
         sql.open(QIODevice::ReadOnly);
         run({programs() + QStringLiteral("/psql"), QStringLiteral("-q"), QStringLiteral("-h"),

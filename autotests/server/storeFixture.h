@@ -26,10 +26,7 @@ public:
     const QString &error() const { return postgres.lastOutput; }
 
     /// A new, empty database of the product that the row of data names, of SQLite if of none.
-    void begin()
-    {
-        begin(QByteArray(QTest::currentDataTag()) != "PostgreSQL");
-    }
+    void begin() { begin(QByteArray(QTest::currentDataTag()) != "PostgreSQL"); }
     /// A new, empty database of this product.
     void begin(bool isSqlite)
     {

@@ -212,8 +212,8 @@ void tst_poisoning::otherSystemsOfAModel()
 
 void tst_poisoning::floodOfNames()
 {
-    // As many as were tried, on one product; the bound does not depend on it, nor on the sanitizers,
-    // which take their time.
+    // As many as were tried, on one product; the bound does not depend on it, nor on the
+    // sanitizers, which take their time.
 #ifdef FENNICK_TEST_SANITIZED
     const int inventions = 3'000;
 #else
@@ -258,9 +258,11 @@ void tst_poisoning::spellings()
     QVERIFY2(publish(), "publishing");
     for (const bool isBeta : {false, true})
         QCOMPARE(names(isBeta).size(), builtIn.size() + 1);
+    // They are to mislead. NOLINTBEGIN(misc-misleading-bidirectional)
     for (const char *name :
          {"\u0406ntel Core i9-1234K", "Intel C\u043Ere i9-1234K", "Intel Core i9\u20101234K",
           "Intel Core\u200B i9-1234K", "Intel Core \u202Ei9-1234K", "\uA4EE\uA4DF\uA4D3 1234"}) {
+        // NOLINTEND(misc-misleading-bidirectional)
         const benchResults machine = wholeRun(QString::fromUtf8(name));
         QVERIFY2(!checkUpload("<F>" + canonicalXml(machine) + "</F>"), name);
     }

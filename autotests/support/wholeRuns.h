@@ -13,17 +13,13 @@ inline benchResults wholeRun(const QString &cpu, float speed = 1,
 {
     static const QMap<QString, benchResults::test> results = builtInMachines().first().getTests();
     benchResults machine(computer, os, cpu, 2.4e9F, threads);
-    const workloadFacts *work = nullptr;
-    float single = 0;
+    float single = 0; // the form for all cores follows that for one
     for (const testFacts &test : suiteFacts()) {
         if (!test.isInFullRuns())
             continue;
         const QString name = QString::fromUtf8(test.name);
         if (!test.isMulticore())
             single = results.value(name).value * speed;
-        // The form for all cores follows that for one.
-        Q_ASSERT(!test.isMulticore() || work == &test.workload);
-        work = &test.workload;
         const float factor = test.isMulticore() ? static_cast<float>(threads) : 1.0F;
         machine.setTest(name, benchResults::test(single * factor));
     }

@@ -115,10 +115,10 @@ bool isStore(const instruction &one)
            && withoutAddresses(one).section(QLatin1Char(','), -1).contains(QLatin1Char('@'));
 }
 
-/// Whether it reads or writes what the compiler has put aside.
-bool isOnTheStack(const instruction &one)
+/// Whether it puts something aside. Where registers are few, a constant may be read from there.
+bool isPutAside(const instruction &one)
 {
-    return one.operands.contains(QLatin1String("(%rsp"));
+    return isStore(one) && one.operands.contains(QLatin1String("(%rsp"));
 }
 
 bool has(const instructions &loop, const instructionCount &wanted)
@@ -238,8 +238,7 @@ void tst_machineCode::nothingElseIsRead()
     QVERIFY2(stores > 0 && loads <= wanted->mostLoadsPerStore * stores,
              qPrintable(QStringLiteral("%1 loads, %2 stores\n").arg(loads).arg(stores)
                         + textOf(largest)));
-    QVERIFY2(std::none_of(largest.begin(), largest.end(), isOnTheStack),
-             qPrintable(textOf(largest)));
+    QVERIFY2(std::none_of(largest.begin(), largest.end(), isPutAside), qPrintable(textOf(largest)));
 }
 
 void tst_machineCode::linesDrawRandomNumbersInTheRun()
