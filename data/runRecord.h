@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/machineContext.h"
-#include "engine/roundSpan.h"
+#include "engine/measurementHook.h"
 
 #include <QDateTime>
 #include <QSize>
@@ -33,13 +33,6 @@ struct machineFacts {
 
 /// What a comparison of a test's frames with the table of known frames gave.
 enum class digestVerdict { right, wrong, cannotTell };
-
-/// How a test came to its end.
-enum class testEnd {
-    complete, ///< its time was over
-    stopped,  ///< by the user; what was measured until then counts
-    failed    ///< could not be set up or could not do its work: no result
-};
 
 /// One test of a run, measured once. A test that is repeated stands there once for each time.
 struct testRun {

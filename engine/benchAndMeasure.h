@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/roundSpan.h"
+
 #include <QtGlobal>
 
 class testBase;
@@ -15,6 +17,8 @@ public:
     /// Runs one work unit of @p test (preRun, timed run, postRun) and returns its span in seconds.
     /// Without a test only the clock is read.
     float measure(testBase *test);
+    /// The span of the latest run on both clocks.
+    const roundSpan &getLatestSpan() const { return latest; }
     /// Mean span per run in seconds.
     virtual float getAverage() const { return average; }
 
@@ -29,4 +33,5 @@ private:
     float minimum = 0;
     float maximum = 0;
     float average = 0;
+    roundSpan latest;
 };

@@ -160,8 +160,12 @@ bool benchBase::runTest(testBase *test, const QSize &resolution, bool isSingle)
                        QString::number(resolution.height())));
         warnOfHugePages();
     }
+    if (measurementHook)
+        measurementHook->testStarts(*test, resolution);
     if (!isSetUp(test, resolution)) {
         print(QStringLiteral("Error: cant setup test %1").arg(test->getName()));
+        if (measurementHook)
+            measurementHook->testEnded(*test, testEnd::failed, 0);
         return false;
     }
     if (updateHook)
@@ -169,7 +173,10 @@ bool benchBase::runTest(testBase *test, const QSize &resolution, bool isSingle)
     benchAndMeasure measurement;
     measurement.reset();
     print(QStringLiteral("Test %1").arg(test->getName(), nameFieldWidth));
-    const bool isWorked = timeTest(test, measurement);
+    const testEnd end = timeTest(test, measurement);
+    const bool isWorked = end != testEnd::failed;
+    if (measurementHook)
+        measurementHook->testEnded(*test, end, measurement.getAverage());
     if (updateHook)
         updateHook->updateEnd(test);
 
@@ -191,22 +198,24 @@ void benchBase::printResult(const testBase *test, float average)
                    QString::number(static_cast<double>(average * 1000.0F))));
 }
 
-bool benchBase::timeTest(testBase *test, benchAndMeasure &measurement)
+testEnd benchBase::timeTest(testBase *test, benchAndMeasure &measurement)
 {
     const steadyStopwatch timer;
     int last = 0;
     for (;;) {
         const int elapsed = timer.elapsed();
         if (elapsed >= testTime)
-            return true;
+            return testEnd::complete;
         if (!isRoundWorked(test, measurement))
-            return false;
+            return testEnd::failed;
+        if (measurementHook)
+            measurementHook->roundMeasured(measurement.getLatestSpan());
         if (updateHook)
             updateHook->updateProgress(test, elapsed - last);
         last = elapsed;
         if (isStopRequested()) {
             print(QStringLiteral("\nstopped by user ...\n"));
-            return true;
+            return testEnd::stopped;
         }
     }
 }

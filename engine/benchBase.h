@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/benchDataAccess.h"
+#include "engine/measurementHook.h"
 #include "tests/suite.h"
 
 #include <QSize>
@@ -24,6 +25,8 @@ public:
               std::unique_ptr<onlineDatabase> database = nullptr);
     ~benchBase() override;
 
+    /// @p hook follows what is measured; it is not owned and may be null.
+    void setMeasurementHook(::measurementHook *hook) { measurementHook = hook; }
     void setTestTime(int ms) { testTime = ms; }
     float getTestTimeSeconds() const { return static_cast<float>(testTime) * 0.001F; }
     QStringList getTestNames() const;
@@ -47,14 +50,14 @@ public:
 private:
     void printMachine();
     void warnOfHugePages();
-    /// False if a round could not do its work.
-    bool timeTest(testBase *test, benchAndMeasure &measurement);
+    testEnd timeTest(testBase *test, benchAndMeasure &measurement);
     void printResult(const testBase *test, float average);
     bool isStopRequested();
     void record(const testBase *test, float average);
 
     ::stopHook *stopHook;
     ::updateHook *updateHook;
+    ::measurementHook *measurementHook = nullptr;
     int testTime = standardTestTime;
     int failedTests = 0;
     /// The first one is the standard resolution. Its width is 3820, not 3840, on purpose: stored

@@ -44,6 +44,8 @@ private slots:
     void clockThatIsSet_data();
     void clockThatIsSet();
     void clockIsReadTwice();
+    void bothClocks();
+    void fineClockIsReadOutside();
     void stopwatchWraps_data();
     void stopwatchWraps();
     void steadyStopwatchTruncates();
@@ -230,6 +232,40 @@ void tst_benchAndMeasure::clockIsReadTwice()
     currentClocks.timeOfDay = fakeClock::timeOfDay;
     QCOMPARE(readingsBeforeTheRun, 1);
     QCOMPARE(readings, 2);
+}
+
+void tst_benchAndMeasure::bothClocks()
+{
+    test.onRun = [] {
+        fakeClock::pass(milliseconds(5));
+        fakeClock::passUnseen(std::chrono::nanoseconds(123'456));
+    };
+    measurement.measure(&test);
+    QCOMPARE(measurement.getLatestSpan().official, 0.005F);
+    QCOMPARE(measurement.getLatestSpan().fine.count(), 5'123'456);
+    test.onRun = [] { fakeClock::set(QTime(11, 0)); };
+    measurement.measure(&test);
+    QCOMPARE(measurement.getLatestSpan().fine.count(), 0);
+    QVERIFY(measurement.getLatestSpan().official != 0.0F);
+}
+
+/// The official span has no reading of the other clock in it.
+void tst_benchAndMeasure::fineClockIsReadOutside()
+{
+    static QByteArray order;
+    order.clear();
+    currentClocks = {[] {
+                         order += 'o';
+                         return processStart;
+                     },
+                     [] {
+                         order += 'f';
+                         return std::chrono::steady_clock::time_point();
+                     }};
+    test.onRun = [] { order += 'r'; };
+    measurement.measure(&test);
+    currentClocks = {fakeClock::timeOfDay, fakeClock::steady};
+    QCOMPARE(order, QByteArray("forof"));
 }
 
 void tst_benchAndMeasure::stopwatchWraps_data()

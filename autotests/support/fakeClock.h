@@ -11,13 +11,14 @@ public:
     {
         dayTime = start;
         steadyTime = {};
-        currentClocks = {timeOfDay, [] { return steadyTime; }};
+        currentClocks = {timeOfDay, steady};
     }
     fakeClock(const fakeClock &) = delete;
     fakeClock &operator=(const fakeClock &) = delete;
     ~fakeClock() { currentClocks = systemClocks; }
 
     static QTime timeOfDay() { return dayTime; }
+    static std::chrono::steady_clock::time_point steady() { return steadyTime; }
     static void pass(std::chrono::milliseconds time)
     {
         dayTime = dayTime.addMSecs(static_cast<int>(time.count()));
