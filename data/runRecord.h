@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/digestVerdict.h"
 #include "engine/machineContext.h"
 #include "engine/measurementHook.h"
 
@@ -30,9 +31,6 @@ struct machineFacts {
     int threads = 0;
     double clock = 0; ///< nominal, Hz; 0 when unknown
 };
-
-/// What a comparison of a test's frames with the table of known frames gave.
-enum class digestVerdict { right, wrong, cannotTell };
 
 /// One test of a run, measured once. A test that is repeated stands there once for each time.
 struct testRun {
