@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/buildFacts.h"
 #include "engine/digestVerdict.h"
 #include "engine/machineContext.h"
 #include "engine/measurementHook.h"
@@ -11,17 +12,6 @@
 
 #include <optional>
 #include <vector>
-
-/// What the programs of a run were built with. What is not known is empty.
-struct buildFacts {
-    QString version;         ///< Fennick's
-    QString compiler;        ///< its name, such as "GNU"
-    QString compilerVersion; ///< as the compiler gives it
-    QString buildType;       ///< "Release", "Debug", ...
-    QString measuredFlags;   ///< what the workloads were compiled with, in one line
-    QString workloadDigest;  ///< SHA-256 of the machine code of the workloads, in hexadecimal
-    bool isSanitized = false;
-};
 
 /// The machine, as its record has it.
 struct machineFacts {
