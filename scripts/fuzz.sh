@@ -15,7 +15,7 @@ need_clang
 need_fuzzers
 install_missing
 build fuzz
-for kind in connection request xml; do
+for kind in connection request run xml; do
     say "fuzzing for $seconds s: $kind"
     mkdir -p "build/fuzz/corpus-$kind" build/fuzz/found
     "build/fuzz/fuzz/fuzz-$kind" -max_total_time="$seconds" -max_len=65536 -timeout=10 \

@@ -39,11 +39,11 @@ need_build_tools() {
     need has_cmake_package Qt5Charts libqt5charts5-dev
     need has_header zlib.h zlib1g-dev
     need has_header tl/expected.hpp libexpected-dev
+    need has_header boost/version.hpp libboost-dev
 }
 
 # The result database's; the benchmark does without.
 need_server_tools() {
-    need has_header boost/beast.hpp libboost-dev
     need has_header unicode/uspoof.h libicu-dev
     need has_file qt5/plugins/sqldrivers/libqsqlite.so libqt5sql5-sqlite
 }
@@ -57,6 +57,8 @@ need_display_tools() {
 
 need_test_tools() {
     need has_command objdump binutils
+    need has_command python3 python3
+    need has_file python3/dist-packages/jsonschema/__init__.py python3-jsonschema
     need has_cmake_package benchmark libbenchmark-dev
     need has_file qt5/plugins/sqldrivers/libqsqlpsql.so libqt5sql5-psql
     need has_file 'postgresql/*/bin/initdb' postgresql

@@ -79,9 +79,9 @@ check "nothing for a window is installed for the console runner" \
 
 run -- > /dev/null
 check "no word of the server where it is built" 0 "$(grep -c fennick-server "$work/messages" || true)"
-run LEFT_OUT="Boost is missing" -- > /dev/null
+run LEFT_OUT="ICU is missing" -- > /dev/null
 check "one line where the server is left out" \
-    "run.sh: fennick-server is left out: Boost is missing (docs/server.md)" \
+    "run.sh: fennick-server is left out: ICU is missing (docs/server.md)" \
     "$(grep fennick-server "$work/messages")"
 
 [ $failures -eq 0 ]

@@ -31,12 +31,12 @@ check() {
     fi
 }
 
-missing=-DCMAKE_DISABLE_FIND_PACKAGE_Boost=ON
-found=-DCMAKE_DISABLE_FIND_PACKAGE_Boost=OFF
+missing=-DCMAKE_DISABLE_FIND_PACKAGE_ICU=ON
+found=-DCMAKE_DISABLE_FIND_PACKAGE_ICU=OFF
 place=$work/wanted
 check "no library, but wanted" failed $missing -DFENNICK_BUILD_SERVER=ON
 place=$work/build
-check "no library" "Boost is missing" $missing
+check "no library" "ICU is missing" $missing
 check "library, installed since" built $found
 check "library, not wanted" "FENNICK_BUILD_SERVER is OFF" $found -DFENNICK_BUILD_SERVER=OFF
 
