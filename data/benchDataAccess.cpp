@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/benchDataAccess.h"
 
+#include "data/wholeFile.h"
 #include "engine/machineProbe.h"
 #include "engine/testBase.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QSet>
 #include <QStandardPaths>
 #include <QXmlStreamWriter>
@@ -23,13 +23,10 @@ const QString listName = QStringLiteral("db.xml");
 const QString listVersionName = QStringLiteral("db_version");
 const QString userDataName = QStringLiteral("user_data.xml");
 
-/// Replaces a file by one with @p content, or leaves it as it is if that fails.
+/// Whether the file could be replaced by one with @p content; if not it is left as it is.
 bool writeFile(const QString &path, const QByteArray &content)
 {
-    QSaveFile file(path);
-    // A commit does not notice that its own flush has failed, as on a full disk.
-    return file.open(QIODevice::WriteOnly | QIODevice::Text)
-           && file.write(content) == content.size() && file.flush() && file.commit();
+    return writeWholeFile(path, content, QIODevice::Text).has_value();
 }
 
 /// A sentence about a file that could not be read to its end.
