@@ -53,17 +53,21 @@ std::vector<double> blockMeans(const std::vector<double> &spans)
     return means;
 }
 
-/// The throughput of @p test by the fine clock: of one run, the official one's milliseconds may be
-/// coarser than what rounds differ by.
-std::optional<measuredValue> roundsOf(const testRun &test)
+/// The throughput of the repetitions in @p tests by the fine clock, one after the other: the
+/// official clock's milliseconds may be coarser than what rounds differ by.
+std::optional<measuredValue> roundsOf(const std::vector<const testRun *> &tests)
 {
-    const std::vector<double> spans = countedSpans(test.rounds);
-    if (spans.size() < fewestRoundsForAnError || !test.value())
+    std::vector<double> spans;
+    for (const testRun *test : tests) {
+        const std::vector<double> counted = countedSpans(test->rounds);
+        spans.insert(spans.end(), counted.begin(), counted.end());
+    }
+    if (spans.size() < fewestRoundsForAnError)
         return std::nullopt;
     const statistics blocks = statisticsOf(blockMeans(spans));
     if (!(blocks.mean > 0))
         return std::nullopt;
-    return measuredValue{test.work / statisticsOf(spans).mean,
+    return measuredValue{tests.front()->work / statisticsOf(spans).mean,
                          blocks.spread() / std::sqrt(static_cast<double>(blocks.count)),
                          static_cast<double>(blocks.count - 1)};
 }
@@ -138,11 +142,13 @@ std::vector<comparedTest> comparedTestsOf(const runRecord &run)
         const std::vector<double> values = valuesOf(run, name);
         if (values.empty() || !std::all_of(values.begin(), values.end(), isUsable))
             continue;
-        const auto test = std::find_if(run.tests.begin(), run.tests.end(), [&](const testRun &one) {
-            return one.name == name && one.value();
-        });
-        tests.push_back({name, test->unit, test->resolution, medianOf(values), repeatsOf(values),
-                         values.size() == 1 ? roundsOf(*test) : std::nullopt});
+        std::vector<const testRun *> repetitions;
+        for (const testRun &test : run.tests) {
+            if (test.name == name && test.value())
+                repetitions.push_back(&test);
+        }
+        tests.push_back({name, repetitions.front()->unit, repetitions.front()->resolution,
+                         medianOf(values), repeatsOf(values), roundsOf(repetitions)});
     }
     return tests;
 }

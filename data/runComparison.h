@@ -27,7 +27,7 @@ struct comparedTest {
     QSize resolution;                         ///< empty where unknown
     double value = 0;                         ///< throughput; of a repeated test the median
     std::optional<measuredValue> fromRepeats; ///< from three repetitions on
-    std::optional<measuredValue> fromRounds;  ///< of one run, from eight rounds on
+    std::optional<measuredValue> fromRounds;  ///< from eight rounds on
 };
 
 /// The tests of @p run that have results, in its order.
@@ -38,7 +38,7 @@ std::vector<comparedTest> comparedTestsOf(const benchResults &machine);
 /// What a ratio's interval knows of.
 enum class intervalSource {
     none,
-    rounds, ///< of one run each: nothing of what differs from run to run
+    rounds, ///< says little of what differs from run to run
     repeats
 };
 

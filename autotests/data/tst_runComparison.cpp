@@ -189,7 +189,8 @@ void tst_runComparison::whichInterval_data()
     };
     row("seven rounds", 1, 7, intervalSource::none);
     row("eight rounds", 1, 8, intervalSource::rounds);
-    row("two repetitions", 2, 50, intervalSource::none);
+    row("two repetitions of three rounds", 2, 3, intervalSource::none);
+    row("two repetitions of four rounds", 2, 4, intervalSource::rounds);
     row("three repetitions", 3, 50, intervalSource::repeats);
     row("three repetitions of one round", 3, 1, intervalSource::repeats);
 }
@@ -257,7 +258,10 @@ void tst_runComparison::repeatsHaveTheirMedian()
     run.tests[2].end = testEnd::failed;
     const comparedTest two = comparedTestsOf(run)[0];
     QCOMPARE(two.value, (8 / double(0.2F) + 8 / double(0.1F)) / 2);
-    QVERIFY(!two.fromRepeats && !two.fromRounds);
+    QVERIFY(!two.fromRepeats && two.fromRounds);
+    const testRatio mixed =
+        compared(comparedTestsOf(repeatedRun(1)), comparedTestsOf(repeatedRun(5, 2))).tests[0];
+    QVERIFY(mixed.source == intervalSource::rounds && mixed.isNoClearDifference());
 }
 
 void tst_runComparison::equalRepeats()
