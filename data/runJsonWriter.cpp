@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/runJson.h"
 #include "data/runJsonTerms.h"
+#include "data/shortFloat.h"
 #include "data/verdict.h"
 
 #include <QJsonDocument>
-
-#include <charconv>
 
 using namespace runJson;
 
@@ -45,17 +44,6 @@ public:
 
     QJsonObject fields;
 };
-
-/// The double with the shortest text that is this float again: 0.01 instead of
-/// 0.0099999997764825821.
-double shortest(float value)
-{
-    char text[32];
-    const std::to_chars_result end = std::to_chars(std::begin(text), std::end(text), value);
-    double result = 0;
-    std::from_chars(std::begin(text), end.ptr, result);
-    return static_cast<float>(result) == value ? result : static_cast<double>(value);
-}
 
 /// With milliseconds and the offset from UTC, which a local time alone does not have.
 QString timeText(const QDateTime &time)
@@ -189,7 +177,7 @@ void putRounds(fieldWriter &to, const std::vector<roundSpan> &rounds, int &round
     QJsonArray official;
     QJsonArray fine;
     for (const roundSpan &round : rounds) {
-        const double coarse = shortest(round.official);
+        const double coarse = shortFloat(round.official);
         const qint64 exact = round.fine.count();
         if (roundsLeft <= 0)
             break;
@@ -215,7 +203,7 @@ QJsonObject testObject(const testRun &test, const runRecord &run, int &roundsLef
     }
     to.count("repetition", test.repetition);
     to.number("work", test.work);
-    to.number("average", shortest(test.average), officialSeconds);
+    to.number("average", shortFloat(test.average), officialSeconds);
     to.put("end", wordAt(endWords, static_cast<int>(test.end)));
     putRounds(to, test.rounds, roundsLeft);
     to.number("otherProcesses", test.otherProcesses);
