@@ -1,160 +1,136 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/commandLine.h"
 
-#include "data/httpDatabase.h"
-#include "engine/outcome.h"
+#include "cli/commandTable.h"
+#include "cli/completion.h"
+#include "cli/helpText.h"
+#include "cli/runOptions.h"
 
 #include <QCommandLineParser>
 
 #include <algorithm>
-#include <limits>
 
 namespace
 {
-
-const QCommandLineOption listOption(QStringLiteral("list"),
-                                    QStringLiteral("List the tests and the resolutions."));
-const QCommandLineOption
-    testOption(QStringLiteral("test"),
-               QStringLiteral("Run this test alone; may be given several times."),
-               QStringLiteral("NAME"));
-const QCommandLineOption resolutionOption(
-    QStringLiteral("resolution"),
-    QStringLiteral("Virtual resolution of the tests named by --test; the first one listed is the "
-                   "standard."),
-    QStringLiteral("WxH"));
-const QCommandLineOption
-    timeOption(QStringLiteral("time"),
-               QStringLiteral("Whole seconds that each test runs; 8 if absent."),
-               QStringLiteral("SECONDS"));
-const QCommandLineOption
-    uploadOption(QStringLiteral("upload"),
-                 QStringLiteral("Upload the results of a full run to the online database."));
-const QCommandLineOption
-    noUploadOption(QStringLiteral("no-upload"),
-                   QStringLiteral("Keep them on this machine, as if --upload was absent. The later "
-                                  "one of the two counts."));
-const QCommandLineOption serverOption(
-    QStringLiteral("server"),
-    QStringLiteral("The online database; %1 if absent.").arg(httpDatabase::defaultHost()),
-    QStringLiteral("HOST[:PORT]"));
-
-QString indented(const QStringList &names)
-{
-    return QStringLiteral("  ") + names.join(QStringLiteral("\n  "));
-}
-
-/// The test that @p wanted means.
-std::optional<QString> matchingTest(const QString &wanted, const QStringList &testNames)
-{
-    const auto match = std::find_if(testNames.begin(), testNames.end(), [&](const QString &name) {
-        return name.simplified() == wanted.simplified();
-    });
-    return match == testNames.end() ? std::nullopt : std::make_optional(*match);
-}
-
-/// Reads which tests run, and how, into @p command.
-outcome<void> readTests(const QCommandLineParser &parser, const QStringList &testNames,
-                        const QStringList &resolutionNames, commandLine &command)
-{
-    for (const QString &wanted : parser.values(testOption)) {
-        const std::optional<QString> name = matchingTest(wanted, testNames);
-        if (!name) {
-            return failure(QStringLiteral("there is no test '%1'. The tests are:\n%2")
-                               .arg(wanted, indented(testNames)));
-        }
-        command.wanted = commandLine::runTests;
-        command.tests.append(*name);
-    }
-    if (parser.isSet(resolutionOption)) {
-        command.resolution = parser.value(resolutionOption);
-        if (!resolutionNames.contains(command.resolution)) {
-            return failure(QStringLiteral("there is no resolution '%1'. The resolutions are:\n%2")
-                               .arg(command.resolution, indented(resolutionNames)));
-        }
-        if (command.wanted == commandLine::runFull) {
-            return failure(QStringLiteral("a full run always uses %1; --resolution needs --test")
-                               .arg(resolutionNames.first()));
-        }
-    }
-    if (parser.isSet(timeOption)) {
-        constexpr int longest = std::numeric_limits<int>::max() / 1000;
-        const std::optional<int> seconds = wholeNumber(parser.value(timeOption), 1, longest);
-        if (!seconds) {
-            return failure(QStringLiteral("--time takes a whole number of seconds from 1 up, "
-                                          "not '%1'")
-                               .arg(parser.value(timeOption)));
-        }
-        command.testTime = *seconds * 1000;
-    }
-    return {};
-}
-
-/// Reads what concerns the online database into @p command, the rest of which is complete.
-outcome<void> readExchange(const QCommandLineParser &parser, commandLine &command)
-{
-    command.server = httpDatabase::defaultHost();
-    if (parser.isSet(serverOption)) {
-        command.server = parser.value(serverOption);
-        if (!httpDatabase::isHost(command.server)) {
-            return failure(
-                QStringLiteral("--server takes HOST or HOST:PORT, not '%1'").arg(command.server));
-        }
-    }
-    const QStringList names = parser.optionNames();
-    command.isUpload = names.lastIndexOf(uploadOption.names().first())
-                       > names.lastIndexOf(noUploadOption.names().first());
-    if (!command.isUpload)
-        return {};
-    if (command.wanted != commandLine::runFull) {
-        return failure(QStringLiteral("only the results of a full run are uploaded; --upload "
-                                      "cannot go with --test"));
-    }
-    if (command.testTime != benchBase::standardTestTime) {
-        return failure(QStringLiteral("only results of %1 seconds per test are uploaded; --upload "
-                                      "cannot go with another --time")
-                           .arg(benchBase::standardTestTime / 1000));
-    }
-    return {};
-}
 
 tl::unexpected<closingText> wrong(const QString &sentence)
 {
     return tl::unexpected(usageError(consoleRunnerName(), sentence));
 }
 
-} // namespace
-
-QString consoleRunnerName()
+QCommandLineOption optionOf(const optionRow &row)
 {
-    return QStringLiteral("fennick-cli");
+    QStringList names(row.name);
+    if (row.letter != '\0')
+        names.prepend(QString(QLatin1Char(row.letter)));
+    return {names, row.description, row.argument};
 }
 
-parsed<commandLine> parseCommandLine(const QStringList &arguments, const QStringList &testNames,
-                                     const QStringList &resolutionNames)
+/// @p arguments with a "-" behind each option whose argument is left out.
+QStringList withOptionalArguments(QStringList arguments, const commandRow &command)
 {
+    for (int i = 0; i < arguments.size(); ++i) {
+        if (arguments.at(i) == QLatin1String("--"))
+            break;
+        const bool isOptional =
+            std::any_of(command.options.begin(), command.options.end(), [&](const optionRow &row) {
+                return row.isOptional && arguments.at(i) == QStringLiteral("--") + row.name;
+            });
+        const QString next = arguments.value(i + 1);
+        const bool isLeftOut =
+            next.isEmpty() || (next.startsWith(QLatin1Char('-')) && next.size() > 1);
+        if (isOptional && isLeftOut)
+            arguments.insert(i + 1, QStringLiteral("-"));
+    }
+    return arguments;
+}
+
+parsed<request> readRun(const QCommandLineParser &parser, const std::vector<listedTest> &tests,
+                        const QStringList &resolutionNames)
+{
+    if (parser.isSet(QStringLiteral("list")))
+        return request(listRequest{parser.value(QStringLiteral("json"))});
+    const outcome<runRequest> read = readRunOptions(parser, tests, resolutionNames);
+    if (!read)
+        return wrong(read.error());
+    return request(*read);
+}
+
+parsed<request> readShow(const QCommandLineParser &parser)
+{
+    const outcome<outputFiles> output = readOutputFiles(parser);
+    if (!output)
+        return wrong(output.error());
+    return request(showRequest{parser.positionalArguments().value(0), *output});
+}
+
+parsed<request> readCompare(const QCommandLineParser &parser)
+{
+    const QStringList runs = parser.positionalArguments();
+    const compareRequest compared = {runs.value(0), runs.value(1),
+                                     parser.value(QStringLiteral("with"))};
+    if (parser.isSet(QStringLiteral("with")) && (runs.size() > 1 || compared.with.isEmpty()))
+        return wrong(QStringLiteral("--with takes a part of a name, and stands for one of the two "
+                                    "that are compared"));
+    return request(compared);
+}
+
+parsed<request> readCompletion(const QCommandLineParser &parser)
+{
+    const QString shell = parser.positionalArguments().value(0);
+    if (!completionShells().contains(shell)) {
+        return wrong(QStringLiteral("completion takes one of %1, not '%2'")
+                         .arg(completionShells().join(QStringLiteral(", ")), shell));
+    }
+    return request(completionRequest{shell});
+}
+
+/// The command that @p arguments begin with, and whether it has a name there.
+const commandRow *commandOf(const QStringList &arguments)
+{
+    const QString first = arguments.value(1);
+    return findCommand(first.startsWith(QLatin1Char('-')) ? QString() : first);
+}
+
+} // namespace
+
+parsed<request> parseCommandLine(const QStringList &arguments, const std::vector<listedTest> &tests,
+                                 const QStringList &resolutionNames)
+{
+    const commandRow *command = commandOf(arguments);
+    if (!command) {
+        return wrong(QStringLiteral("unexpected argument '%1'; the commands are %2")
+                         .arg(arguments.value(1), commandNames().join(QStringLiteral(", "))));
+    }
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Fennick, a CPU benchmark, without a window. Without options it does a full run."));
-    parser.addOptions({listOption, testOption, resolutionOption, timeOption, uploadOption,
-                       noUploadOption, serverOption});
-    if (const auto closing = readOptions(parser, arguments, consoleRunnerName()))
+    for (const optionRow &row : command->options)
+        parser.addOption(optionOf(row));
+    QStringList rest = withOptionalArguments(arguments, *command);
+    if (!command->name.isEmpty())
+        rest.removeAt(1);
+    if (const auto closing =
+            readOptions(parser, rest, consoleRunnerName(), [&] { return helpText(*command); }))
         return tl::unexpected(*closing);
-    if (!parser.positionalArguments().isEmpty()) {
+    const QStringList more = parser.positionalArguments();
+    if (more.size() > command->mostArguments)
         return wrong(
-            QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().first()));
-    }
-    if (parser.isSet(listOption)) {
-        return tl::unexpected(
-            closingText{QStringLiteral("Tests:\n%1\nResolutions:\n%2\n")
-                            .arg(indented(testNames), indented(resolutionNames))});
-    }
-    commandLine command;
-    const outcome<void> isRead =
-        readTests(parser, testNames, resolutionNames, command).and_then([&] {
-            return readExchange(parser, command);
-        });
-    if (!isRead)
-        return wrong(isRead.error());
-    return command;
+            QStringLiteral("unexpected argument '%1'").arg(more.at(command->mostArguments)));
+
+    if (command->name.isEmpty())
+        return readRun(parser, tests, resolutionNames);
+    if (command->name == QLatin1String("show"))
+        return readShow(parser);
+    if (command->name == QLatin1String("compare"))
+        return readCompare(parser);
+    if (command->name == QLatin1String("completion"))
+        return readCompletion(parser);
+    if (command->name == QLatin1String("complete"))
+        return request(completeRequest{more});
+    if (command->name == QLatin1String("verify"))
+        return request(verifyRequest{});
+    if (command->name == QLatin1String("history"))
+        return request(historyRequest{});
+    if (command->name == QLatin1String("doctor"))
+        return request(doctorRequest{});
+    return request(manualRequest{});
 }

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "cli/commandLine.h"
+#include "console/exitCode.h"
 
-/// Does what @p command asks for, with @p runner, and returns the exit code. @p stop tells whether
-/// a run was broken off.
-exitCode runTests(const commandLine &command, benchBase &runner, stopHook &stop);
+#include <QStringList>
 
-/// The whole program: reads @p arguments, runs, and lets Ctrl-C end the run after the test's
-/// current work unit.
+/// The whole program: reads @p arguments, the program's own name first, and does what they ask for.
 exitCode runConsole(const QStringList &arguments);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/commandTable.h"
 #include "cli/consoleRunner.h"
 #include "console/standardStreams.h"
 #include "engine/computerName.h"
@@ -13,5 +14,6 @@ int main(int argc, char *argv[])
     // The same as the window's, so that both keep their files in the same directory.
     QCoreApplication::setApplicationName(QStringLiteral("fennick"));
     provideComputerName(QSysInfo::machineHostName());
-    return exitCodeAfterOutput(runConsole(QCoreApplication::arguments()), consoleRunnerName());
+    return exitCodeAfterOutput(runConsole(QCoreApplication::arguments()), consoleRunnerName(),
+                               exitLostOutput);
 }

@@ -11,15 +11,15 @@ closingText usageError(const QString &program, const QString &sentence)
 }
 
 std::optional<closingText> readOptions(QCommandLineParser &parser, const QStringList &arguments,
-                                       const QString &program)
+                                       const QString &program, const std::function<QString()> &help)
 {
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption helpOption = parser.addHelpOption();
+    const QCommandLineOption versionOption = parser.addVersionOption();
     if (!parser.parse(arguments))
         return usageError(program, parser.errorText());
-    if (parser.isSet(help))
-        return closingText{parser.helpText()};
-    if (parser.isSet(version)) {
+    if (parser.isSet(helpOption))
+        return closingText{help ? help() : parser.helpText()};
+    if (parser.isSet(versionOption)) {
         return closingText{QStringLiteral("%1 %2\n").arg(program, QStringLiteral(FENNICK_VERSION))};
     }
     return std::nullopt;

@@ -8,6 +8,7 @@
 
 #include <tl/expected.hpp>
 
+#include <functional>
 #include <optional>
 
 class QCommandLineParser;
@@ -26,9 +27,11 @@ template <typename Command> using parsed = tl::expected<Command, closingText>;
 closingText usageError(const QString &program, const QString &sentence);
 
 /// Reads @p arguments, the program's own name first, with @p parser, which gets --help and
-/// --version besides its own options. The text with which @p program ends, if they ask for one.
+/// --version besides its own options. The text with which @p program ends, if they ask for one; the
+/// help is the parser's own without @p help.
 std::optional<closingText> readOptions(QCommandLineParser &parser, const QStringList &arguments,
-                                       const QString &program);
+                                       const QString &program,
+                                       const std::function<QString()> &help = nullptr);
 
 /// Writes @p closing to where it belongs. The program's exit code.
 exitCode sayInClosing(const closingText &closing);

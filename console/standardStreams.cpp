@@ -32,7 +32,7 @@ exitCode complain(const QString &program, const QString &sentence)
     return exitFailure;
 }
 
-exitCode exitCodeAfterOutput(exitCode code, const QString &program)
+exitCode exitCodeAfterOutput(exitCode code, const QString &program, exitCode lost)
 {
     // The mark of an earlier failure stays; what has only reached a buffer fails here.
     const bool hadFailed = std::ferror(stdout) != 0;
@@ -41,5 +41,5 @@ exitCode exitCodeAfterOutput(exitCode code, const QString &program)
         return code;
     complain(program,
              QStringLiteral("the output is not complete: standard output cannot be written"));
-    return code == exitSuccess ? exitFailure : code;
+    return code == exitSuccess ? lost : code;
 }

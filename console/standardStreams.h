@@ -19,6 +19,6 @@ void writeText(const QString &text, std::FILE *stream);
 exitCode complain(const QString &program, const QString &sentence);
 
 /// Closes standard output. The exit code of @p program, which would end with @p code: a success
-/// without all of the output is none. Says on standard error if output was lost, at any time since
-/// the start.
-exitCode exitCodeAfterOutput(exitCode code, const QString &program);
+/// without all of the output is none, but @p lost. Says on standard error if output was lost, at
+/// any time since the start.
+exitCode exitCodeAfterOutput(exitCode code, const QString &program, exitCode lost = exitFailure);

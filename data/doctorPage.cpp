@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/doctorPage.h"
 
+#include "data/visibleText.h"
+
 #include <QStringList>
 
 namespace
@@ -11,24 +13,6 @@ constexpr int labelColumns = 17;
 constexpr int digestDigits = 16; // enough to tell two builds apart
 const QString indent = QStringLiteral("  ");
 const QString unknown = QStringLiteral("unknown");
-
-int columnsOf(const QString &text)
-{
-    int columns = 0;
-    for (const QChar c : text)
-        columns += c.unicode() >= 0x1100 ? 2 : 1;
-    return columns;
-}
-
-QString visible(QString text)
-{
-    for (QChar &c : text) {
-        if (!c.isPrint() || c.category() == QChar::Separator_Line
-            || c.category() == QChar::Separator_Paragraph)
-            c = QLatin1Char('?');
-    }
-    return text;
-}
 
 /// Appends @p word to the last of @p lines, or to new ones; a word longer than a line is cut.
 void append(QStringList &lines, const QString &word, int columns)
@@ -50,7 +34,7 @@ void append(QStringList &lines, const QString &word, int columns)
 QString block(const QString &first, const QString &text)
 {
     QStringList lines = {QString()};
-    for (const QString &word : visible(text).split(QLatin1Char(' '), Qt::SkipEmptyParts))
+    for (const QString &word : visibleText(text).split(QLatin1Char(' '), Qt::SkipEmptyParts))
         append(lines, word, pageColumns - static_cast<int>(first.size()));
     const QString between = QLatin1Char('\n') + QString(first.size(), QLatin1Char(' '));
     return first + lines.join(between) + QLatin1Char('\n');

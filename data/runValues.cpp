@@ -33,3 +33,14 @@ std::optional<double> valueOf(const runRecord &run, const QString &name)
     const std::vector<double> values = valuesOf(run, name);
     return values.empty() ? std::nullopt : std::make_optional(medianOf(values));
 }
+
+benchResults resultsOf(const runRecord &run)
+{
+    benchResults machine(run.machine.name, run.machine.os, run.machine.processor,
+                         static_cast<float>(run.machine.clock), run.machine.threads);
+    for (const QString &name : testNamesOf(run)) {
+        if (const std::optional<double> value = valueOf(run, name))
+            machine.setTest(name, benchResults::test(static_cast<float>(*value)));
+    }
+    return machine;
+}

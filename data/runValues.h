@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/runRecord.h"
+#include "engine/benchResults.h"
 
 #include <QStringList>
 
@@ -16,3 +17,6 @@ std::vector<double> valuesOf(const runRecord &run, const QString &name);
 
 /// Their median, which is the value of a test that was repeated.
 std::optional<double> valueOf(const runRecord &run, const QString &name);
+
+/// The machine of @p run with the values of its tests, as a record of the list of machines.
+benchResults resultsOf(const runRecord &run);

@@ -105,10 +105,17 @@ QStringList benchBase::getTestNames() const
     return names;
 }
 
-QStringList benchBase::getResolutionNames() const
+const QVector<QSize> &benchBase::resolutions()
+{
+    static const QVector<QSize> sizes = {{3820, 2160}, {1920, 1080}, {1600, 900}, {1280, 960},
+                                         {800, 600},   {640, 480},   {320, 240}};
+    return sizes;
+}
+
+QStringList benchBase::standardResolutionNames()
 {
     QStringList names;
-    for (const QSize &resolution : resolutions)
+    for (const QSize &resolution : resolutions())
         names.append(nameOf(resolution));
     return names;
 }
@@ -121,7 +128,7 @@ QString benchBase::getTitle() const
 bool benchBase::runBenchmark()
 {
     print(QStringLiteral("%1\n").arg(getTitle()));
-    const QSize resolution = resolutions.first();
+    const QSize resolution = standardResolution();
     print(QStringLiteral("Start Benchmark (%1s per Test (%2) use virtual resolution %3x%4):\n")
               .arg(QString::number(testTime / 1000), QString::number(tests.size()),
                    QString::number(resolution.width()), QString::number(resolution.height())));
@@ -149,7 +156,7 @@ bool benchBase::runSingleTest(const QString &testName, const QString &resolution
     if (test == tests.end())
         return false;
     const int index = static_cast<int>(getResolutionNames().indexOf(resolutionName));
-    return runTest(test->get(), resolutions.at(std::max(index, 0)), true);
+    return runTest(test->get(), resolutions().at(std::max(index, 0)), true);
 }
 
 bool benchBase::runTest(testBase *test, const QSize &resolution, bool isSingle)
@@ -181,7 +188,7 @@ bool benchBase::runTest(testBase *test, const QSize &resolution, bool isSingle)
         updateHook->updateEnd(test);
 
     if (isWorked) {
-        if (resolution == resolutions.first())
+        if (resolution == standardResolution())
             record(test, measurement.getAverage());
         printResult(test, measurement.getAverage());
     } else {

@@ -31,7 +31,11 @@ public:
     float getTestTimeSeconds() const { return static_cast<float>(testTime) * 0.001F; }
     QStringList getTestNames() const;
     /// The virtual resolutions as "widthxheight", the standard resolution first.
-    QStringList getResolutionNames() const;
+    QStringList getResolutionNames() const { return standardResolutionNames(); }
+    /// The same without a runner.
+    static QStringList standardResolutionNames();
+    /// The one of full runs, and of results that are recorded.
+    static QSize standardResolution() { return resolutions().first(); }
     QString getTitle() const;
 
     /// Runs all tests but the single-only ones at the standard resolution. True if the user stopped
@@ -62,7 +66,6 @@ private:
     int failedTests = 0;
     /// The first one is the standard resolution. Its width is 3820, not 3840, on purpose: stored
     /// results refer to it.
-    QVector<QSize> resolutions = {{3820, 2160}, {1920, 1080}, {1600, 900}, {1280, 960},
-                                  {800, 600},   {640, 480},   {320, 240}};
+    static const QVector<QSize> &resolutions();
     suite tests;
 };

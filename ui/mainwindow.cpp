@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/mainwindow.h"
 
+#include "data/instanceLock.h"
+#include "data/runRecorder.h"
+#include "data/runStore.h"
 #include "engine/benchBase.h"
 #include "ui/compareWindow.h"
 #include "ui/displayWidget.h"
@@ -15,6 +18,22 @@
 #include <QTimer>
 
 #include <algorithm>
+
+namespace
+{
+
+/// The window's own font has one point, which its children would inherit; set one by one, family
+/// and size of the platform's font stay their own.
+QFont platformFont()
+{
+    const QFontInfo platform(QApplication::font());
+    QFont font;
+    font.setFamily(platform.family());
+    font.setPointSizeF(platform.pointSizeF());
+    return font;
+}
+
+} // namespace
 
 MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
                        std::unique_ptr<onlineDatabase> database)
@@ -46,13 +65,7 @@ void MainWindow::fillChoosers()
 void MainWindow::addDisplay()
 {
     display = new displayWidget(this);
-    // The window's own font has one point, which the display would inherit; set one by one, family
-    // and size of the platform's font stay its own.
-    const QFontInfo platform(QApplication::font());
-    QFont font;
-    font.setFamily(platform.family());
-    font.setPointSizeF(platform.pointSizeF());
-    display->setFont(font);
+    display->setFont(platformFont());
     display->setMinimumSize(10, 10);
     display->hide();
     ui->gridLayout->addWidget(display, 0, 0);
@@ -121,7 +134,7 @@ void MainWindow::benchStart()
     prepareDisplay(true, count);
     runState.runStateChanged(true);
     showFrames();
-    const bool isStopped = runner->runBenchmark();
+    const bool isStopped = runRecorded();
     if (!isStopped) {
         runner->storeUserData();
         if (!ui->checkBoxDisableResultUpload->isChecked())
@@ -130,6 +143,29 @@ void MainWindow::benchStart()
     showControls();
     runState.runStateChanged(false);
     ui->compareButton->click();
+}
+
+bool MainWindow::runRecorded()
+{
+    instanceLock lock;
+    if (!lock.hold() && lock.isOtherRunning())
+        note(tr("Another Fennick measures at the same time: the results of both suffer"));
+    runSettings settings;
+    settings.testTime = benchBase::standardTestTime;
+    runRecorder recorder(settings);
+    runner->setMeasurementHook(&recorder);
+    const bool isStopped = runner->runBenchmark();
+    runner->setMeasurementHook(nullptr);
+    const auto kept = runStore::ofUser().append(recorder.finish(isStopped));
+    if (!kept)
+        note(tr("The run is not kept: %1").arg(kept.error()));
+    return isStopped;
+}
+
+void MainWindow::note(const QString &text)
+{
+    ui->statusBar->setFont(platformFont());
+    ui->statusBar->showMessage(text);
 }
 
 void MainWindow::benchSingleStart()

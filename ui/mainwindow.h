@@ -67,6 +67,10 @@ private:
     void showFrames();
     void showControls();
     void prepareDisplay(bool isFullRun, int testCount);
+    /// A full run, which is kept among the user's runs. True if the user stopped it.
+    bool runRecorded();
+    /// Shows @p text in the status bar; none takes it away.
+    void note(const QString &text);
     /// Asks a question without a title. True unless the answer is No.
     bool isConfirmed(const QString &question);
     int chosenTestTime() const;

@@ -8,19 +8,21 @@
 namespace
 {
 
-const QStringList testNames = {QStringLiteral("mandel"), QStringLiteral("mandel (multicore)"),
-                               QStringLiteral("colors "), QStringLiteral("colors  (multicore)")};
+const std::vector<listedTest> tests = {{QStringLiteral("mandel"), false},
+                                       {QStringLiteral("mandel (multicore)"), true},
+                                       {QStringLiteral("colors "), false},
+                                       {QStringLiteral("colors  (multicore)"), true}};
 const QStringList resolutionNames = {QStringLiteral("3820x2160"), QStringLiteral("800x600")};
 
-parsed<commandLine> read(const QStringList &arguments)
+parsed<request> read(const QStringList &arguments)
 {
-    return parseCommandLine(QStringList(QStringLiteral("fennick-cli")) + arguments, testNames,
+    return parseCommandLine(QStringList(QStringLiteral("fennick-cli")) + arguments, tests,
                             resolutionNames);
 }
 
-commandLine parse(const QStringList &arguments)
+runRequest parse(const QStringList &arguments)
 {
-    return read(arguments).value();
+    return std::get<runRequest>(read(arguments).value());
 }
 
 QStringList words(const char *text)
@@ -39,6 +41,9 @@ private slots:
     void tests_data();
     void tests();
     void everything();
+    void surroundings();
+    void files();
+    void commands();
     void upload_data();
     void upload();
     void server();
@@ -50,8 +55,8 @@ private slots:
 
 void tst_commandLine::withoutArguments()
 {
-    const commandLine command = parse({});
-    QCOMPARE(command.wanted, commandLine::runFull);
+    const runRequest command = parse({});
+    QCOMPARE(command.wanted, runRequest::fullRun);
     QCOMPARE(command.testTime, 8000);
     QVERIFY(command.tests.isEmpty());
     QVERIFY(command.resolution.isEmpty());
@@ -75,20 +80,78 @@ void tst_commandLine::tests()
 {
     QFETCH(QString, arguments);
     QFETCH(QString, names);
-    const commandLine command = parse(arguments.split(QLatin1Char('|')));
-    QCOMPARE(command.wanted, commandLine::runTests);
+    const runRequest command = parse(arguments.split(QLatin1Char('|')));
+    QCOMPARE(command.wanted, runRequest::namedTests);
     QCOMPARE(command.tests, names.split(QLatin1Char('|')));
 }
 
 void tst_commandLine::everything()
 {
-    const commandLine command = parse(words("--time|15|--resolution|800x600|--test|mandel"));
-    QCOMPARE(command.wanted, commandLine::runTests);
+    const runRequest command = parse(words("--time|15|--resolution|800x600|--test|mandel"));
+    QCOMPARE(command.wanted, runRequest::namedTests);
     QCOMPARE(command.testTime, 15000);
     QCOMPARE(command.resolution, QStringLiteral("800x600"));
-    const commandLine full = parse(words("--time|1"));
-    QCOMPARE(full.wanted, commandLine::runFull);
+    const runRequest full = parse(words("--time|1"));
+    QCOMPARE(full.wanted, runRequest::fullRun);
     QCOMPARE(full.testTime, 1000);
+}
+
+void tst_commandLine::surroundings()
+{
+    const runRequest plain = parse({});
+    QVERIFY(!plain.repetitions && !plain.threads && !plain.isPinned && !plain.isVerified);
+    QVERIFY(!plain.isQuiet && plain.warmUpSeconds == 0 && plain.idleSeconds == 0);
+    QVERIFY(plain.isOrdinary() && !plain.output.isOnStandardOutput());
+    const runRequest run =
+        parse(words("-n|3|--threads|2|--pin|--verify|--warmup|4|--wait-idle|5|-q|"
+                    "--json|a|--csv|b|--markdown|-"));
+    QCOMPARE(run.repetitions, std::optional<int>(3));
+    QCOMPARE(run.threads, std::optional<int>(2));
+    QVERIFY(run.isPinned && run.isVerified && run.isQuiet && !run.isOrdinary());
+    QCOMPARE(run.warmUpSeconds, 4);
+    QCOMPARE(run.idleSeconds, 5);
+    QCOMPARE(run.output.json, QStringLiteral("a"));
+    QCOMPARE(run.output.csv, QStringLiteral("b"));
+    QVERIFY(run.output.isOnStandardOutput());
+    QVERIFY(!parse(words("--pin")).isOrdinary());
+    QVERIFY(!parse(words("--threads|1")).isOrdinary());
+    const runRequest letters = parse(words("-t|mandel|-r|800x600"));
+    QCOMPARE(letters.tests, QStringList(QStringLiteral("mandel")));
+    QCOMPARE(letters.resolution, QStringLiteral("800x600"));
+}
+
+/// A file that is left out is standard output.
+void tst_commandLine::files()
+{
+    QCOMPARE(parse(words("--json|--quiet")).output.json, QStringLiteral("-"));
+    QVERIFY(parse(words("--json|--quiet")).isQuiet);
+    QCOMPARE(parse(words("--markdown")).output.markdown, QStringLiteral("-"));
+    QCOMPARE(parse(words("--markdown|-")).output.markdown, QStringLiteral("-"));
+    QCOMPARE(parse(words("--csv=c")).output.csv, QStringLiteral("c"));
+    QCOMPARE(std::get<listRequest>(*read(words("--list"))).json, QString());
+    QCOMPARE(std::get<listRequest>(*read(words("--list|--json"))).json, QStringLiteral("-"));
+    QCOMPARE(std::get<listRequest>(*read(words("--json|f|--list"))).json, QStringLiteral("f"));
+}
+
+void tst_commandLine::commands()
+{
+    QVERIFY(std::holds_alternative<verifyRequest>(*read(words("verify"))));
+    QVERIFY(std::holds_alternative<historyRequest>(*read(words("history"))));
+    QVERIFY(std::holds_alternative<doctorRequest>(*read(words("doctor"))));
+    QVERIFY(std::holds_alternative<manualRequest>(*read(words("manual"))));
+    const auto show = std::get<showRequest>(*read(words("show|3|--markdown")));
+    QCOMPARE(show.run, QStringLiteral("3"));
+    QCOMPARE(show.output.markdown, QStringLiteral("-"));
+    const auto two = std::get<compareRequest>(*read(words("compare|1|b.json")));
+    QCOMPARE(two.first, QStringLiteral("1"));
+    QCOMPARE(two.second, QStringLiteral("b.json"));
+    const auto with = std::get<compareRequest>(*read(words("compare|--with|Core i7")));
+    QCOMPARE(with.first, QString());
+    QCOMPARE(with.with, QStringLiteral("Core i7"));
+    QCOMPARE(std::get<completionRequest>(*read(words("completion|zsh"))).shell,
+             QStringLiteral("zsh"));
+    QCOMPARE(std::get<completeRequest>(*read(words("complete|--|--test|man"))).words,
+             words("--test|man"));
 }
 
 void tst_commandLine::upload_data()
@@ -114,7 +177,7 @@ void tst_commandLine::upload_data()
 void tst_commandLine::upload()
 {
     QFETCH(QString, arguments);
-    const commandLine command = parse(arguments.split(QLatin1Char('|'), Qt::SkipEmptyParts));
+    const runRequest command = parse(arguments.split(QLatin1Char('|'), Qt::SkipEmptyParts));
     QTEST(command.isUpload, "isUpload");
 }
 
@@ -159,7 +222,32 @@ void tst_commandLine::errors_data()
     }
     QTest::newRow("no value") << words("--test") << QStringLiteral("--test");
     QTest::newRow("unknown option") << words("--fast") << QStringLiteral("fast");
-    QTest::newRow("stray argument") << words("mandel") << QStringLiteral("'mandel'");
+    QTest::newRow("stray argument") << words("--time|1|mandel") << QStringLiteral("'mandel'");
+    QTest::newRow("no such command")
+        << words("mandel") << QStringLiteral("'mandel'; the commands are verify, history, show");
+    QTest::newRow("command behind an option")
+        << words("--time|1|verify") << QStringLiteral("'verify'");
+    QTest::newRow("option of another command")
+        << words("verify|--time|1") << QStringLiteral("time");
+    QTest::newRow("too many runs") << words("compare|1|2|3") << QStringLiteral("'3'");
+    QTest::newRow("a machine and two runs")
+        << words("compare|1|2|--with|x") << QStringLiteral("--with takes");
+    QTest::newRow("no shell") << words("completion") << QStringLiteral("bash, zsh, fish, not ''");
+    QTest::newRow("another shell") << words("completion|csh") << QStringLiteral("not 'csh'");
+    for (const char *option : {"repeat", "warmup", "wait-idle", "threads"}) {
+        for (const char *number : {"0", "-1", "x", "1e1", "99999999999"})
+            QTest::addRow("--%s %s", option, number)
+                << QStringList(
+                       QStringLiteral("--%1=%2").arg(QLatin1String(option), QLatin1String(number)))
+                << QStringLiteral("--%1 takes a whole number").arg(QLatin1String(option));
+    }
+    QTest::newRow("upload with threads")
+        << words("--upload|--threads|1") << QStringLiteral("--threads or --pin");
+    QTest::newRow("upload pinned")
+        << words("--upload|--pin") << QStringLiteral("--threads or --pin");
+    QTest::newRow("two tables on standard output")
+        << words("--json|-|--csv|-") << QStringLiteral("only one of --json, --csv and --markdown");
+    QTest::newRow("no name of a file") << words("--json=") << QStringLiteral("--json takes");
 }
 
 void tst_commandLine::errors()
@@ -183,11 +271,6 @@ void tst_commandLine::messages_data()
     for (const char *option : {"--list", "--test", "--resolution", "--time", "--upload",
                                "--no-upload", "--server", "--version", "--help"})
         QTest::addRow("help has %s", option) << words("--help") << QString::fromLatin1(option);
-    QTest::newRow("list") << words("--list")
-                          << QStringLiteral("Tests:\n  mandel\n  mandel (multicore)\n  colors \n"
-                                            "  colors  (multicore)\nResolutions:\n  3820x2160\n"
-                                            "  800x600\n");
-    QTest::newRow("list before a run") << words("--list|--test|mandel") << QStringLiteral("Tests:");
 }
 
 void tst_commandLine::messages()

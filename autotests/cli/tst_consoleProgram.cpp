@@ -63,6 +63,7 @@ private slots:
     void programListsAndExits();
     void programRunsATest();
     void programAsksTheServer();
+    void programIsInterrupted_data();
     void programIsInterrupted();
     void secondInterruptEndsTheProgram();
     void ignoredInterruptsStayIgnored();
@@ -112,7 +113,7 @@ void tst_consoleProgram::programListsAndExits_data()
     QTest::newRow("list") << option("--list") << 0 << QStringLiteral("  mandel (multicore)\n");
     QTest::newRow("version") << option("--version") << 0 << QStringLiteral("fennick-cli 26.0\n");
     QTest::newRow("help") << option("--help") << 0 << QStringLiteral("--resolution <WxH>");
-    QTest::newRow("unknown test") << option("--test=no") << 2 << QStringLiteral("  mandel\n");
+    QTest::newRow("unknown test") << option("--test=nothing") << 2 << QStringLiteral("  mandel\n");
     QTest::newRow("bad time") << option("--time=0") << 2 << QStringLiteral("--time");
     QTest::newRow("upload of a test")
         << QStringList({QStringLiteral("--upload"), QStringLiteral("--test=mandel")}) << 2
@@ -164,15 +165,33 @@ void tst_consoleProgram::programAsksTheServer()
         process.readAllStandardOutput().contains("Online database has version 1 (local 1010)\n"));
 }
 
+void tst_consoleProgram::programIsInterrupted_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("code");
+#ifdef Q_OS_UNIX
+    QTest::newRow("Ctrl-C") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("hang-up") << SIGHUP << 129;
+#endif
+}
+
 void tst_consoleProgram::programIsInterrupted()
 {
 #ifdef Q_OS_UNIX
+    QFETCH(int, signal);
+    QFETCH(int, code);
     program p({QStringLiteral("--time=600"), nobody});
     QVERIFY(p.waitFor(QStringLiteral("Test ")));
-    ::kill(static_cast<pid_t>(p.process.processId()), SIGINT);
-    QCOMPARE(p.exitCode(), 130);
+    ::kill(static_cast<pid_t>(p.process.processId()), signal);
+    QCOMPARE(p.exitCode(), code);
     QVERIFY(p.out.contains(QStringLiteral("\nstopped by user ...\n Result: ")));
     QVERIFY(p.out.endsWith(QStringLiteral("ms)\nstopped by user ...\n")));
+    const QDir runs(directory->path(QStringLiteral("runs")));
+    QCOMPARE(runs.entryList(QDir::Files).size(), 1);
+    const QByteArray kept =
+        directory->read(QStringLiteral("runs/") + runs.entryList(QDir::Files).value(0));
+    QVERIFY2(kept.contains("\"stopped\":true") && kept.contains("\"end\":\"stopped\""), kept);
 #else
     QSKIP("needs signals between processes");
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/consoleRunner.h"
+#include "cli/runTests.h"
 
 #include "support/dataDirectory.h"
 #include "support/fakeClock.h"
@@ -65,8 +65,8 @@ public:
 
     int run(const QStringList &tests)
     {
-        commandLine command;
-        command.wanted = tests.isEmpty() ? commandLine::runFull : commandLine::runTests;
+        runRequest command;
+        command.wanted = tests.isEmpty() ? runRequest::fullRun : runRequest::namedTests;
         command.tests = tests;
         command.testTime = 60; // less than one work unit takes
         return runTests(command, *runner, *this);
@@ -82,7 +82,7 @@ public:
 
     int runFull(bool isUpload)
     {
-        commandLine command;
+        runRequest command;
         command.isUpload = isUpload;
         return runTests(command, *runner, *this);
     }
@@ -116,7 +116,7 @@ QByteArray errorsOf(const std::function<void()> &action)
 
 } // namespace
 
-class tst_consoleRunner : public QObject
+class tst_runTests : public QObject
 {
     Q_OBJECT
 
@@ -143,7 +143,7 @@ private:
     std::unique_ptr<dataDirectory> directory;
 };
 
-void tst_consoleRunner::fullRun()
+void tst_runTests::fullRun()
 {
     console c;
     QCOMPARE(c.run({}), int(exitSuccess));
@@ -158,7 +158,7 @@ void tst_consoleRunner::fullRun()
     QCOMPARE(c.uploads, 0);
 }
 
-void tst_consoleRunner::fullRunIsStored()
+void tst_runTests::fullRunIsStored()
 {
     console c;
     QCOMPARE(c.runStandard(false), int(exitSuccess));
@@ -167,7 +167,7 @@ void tst_consoleRunner::fullRunIsStored()
     QCOMPARE(c.uploads, 0);
 }
 
-void tst_consoleRunner::fullRunIsUploaded()
+void tst_runTests::fullRunIsUploaded()
 {
     console c;
     QCOMPARE(c.runStandard(true), int(exitSuccess));
@@ -176,17 +176,17 @@ void tst_consoleRunner::fullRunIsUploaded()
     QCOMPARE(c.uploads, 1);
 }
 
-void tst_consoleRunner::failedUpload()
+void tst_runTests::failedUpload()
 {
     console c;
     c.isTaking = false;
-    QCOMPARE(c.runStandard(true), int(exitFailure));
+    QCOMPARE(c.runStandard(true), int(exitNoUpload));
     QVERIFY(c.text.endsWith(QStringLiteral("Store userdata\nCan't upload results\n")));
     QVERIFY(!directory->read(userFile).isNull());
 }
 
 /// The server's words are for standard error; the log is the window's too, and stays as it is.
-void tst_consoleRunner::refusedUpload()
+void tst_runTests::refusedUpload()
 {
     console c;
     const auto errors = [&c](bool isTaking, const QString &words) {
@@ -202,7 +202,7 @@ void tst_consoleRunner::refusedUpload()
     QCOMPARE(errors(true, QStringLiteral("words of another request")), QByteArray());
 }
 
-void tst_consoleRunner::stoppedIsNotStored()
+void tst_runTests::stoppedIsNotStored()
 {
     console c;
     c.isStopped = true;
@@ -212,7 +212,7 @@ void tst_consoleRunner::stoppedIsNotStored()
     QCOMPARE(c.uploads, 0);
 }
 
-void tst_consoleRunner::namedTests()
+void tst_runTests::namedTests()
 {
     console c;
     QCOMPARE(c.run({b, a}), int(exitSuccess));
@@ -221,7 +221,7 @@ void tst_consoleRunner::namedTests()
     QVERIFY(!c.text.contains(QStringLiteral("Start Benchmark")));
 }
 
-void tst_consoleRunner::failedTest()
+void tst_runTests::failedTest()
 {
     console c;
     c.fakes.at(0)->canSetup = false;
@@ -230,7 +230,7 @@ void tst_consoleRunner::failedTest()
     QVERIFY(c.events.contains(QStringLiteral("b.run")));
 }
 
-void tst_consoleRunner::failedTestOfAFullRun_data()
+void tst_runTests::failedTestOfAFullRun_data()
 {
     QTest::addColumn<bool>("canSetup");
     QTest::addColumn<bool>("isUpload");
@@ -240,7 +240,7 @@ void tst_consoleRunner::failedTestOfAFullRun_data()
 }
 
 /// What the other tests gave is stored; a run that lacks a result is not uploaded.
-void tst_consoleRunner::failedTestOfAFullRun()
+void tst_runTests::failedTestOfAFullRun()
 {
     QFETCH(bool, canSetup);
     QFETCH(bool, isUpload);
@@ -266,7 +266,7 @@ void tst_consoleRunner::failedTestOfAFullRun()
     QCOMPARE(c.run({}), int(exitSuccess));
 }
 
-void tst_consoleRunner::stopped()
+void tst_runTests::stopped()
 {
     console c;
     c.fakes.at(0)->onRun = [&] { c.isStopped = true; };
@@ -274,7 +274,7 @@ void tst_consoleRunner::stopped()
     QVERIFY(c.text.endsWith(QStringLiteral("stopped by user ...\n")));
 }
 
-void tst_consoleRunner::stoppedBetweenTests()
+void tst_runTests::stoppedBetweenTests()
 {
     console c;
     c.fakes.at(0)->onRun = [&] { c.isStopped = true; };
@@ -284,7 +284,7 @@ void tst_consoleRunner::stoppedBetweenTests()
 }
 
 /// Ctrl-C while the online database is asked.
-void tst_consoleRunner::stoppedBeforeTheFirstTest()
+void tst_runTests::stoppedBeforeTheFirstTest()
 {
     for (const QStringList &tests : {QStringList(), QStringList(a)}) {
         console c;
@@ -296,7 +296,7 @@ void tst_consoleRunner::stoppedBeforeTheFirstTest()
 }
 
 /// What was stored before must not be uploaded as if it was new.
-void tst_consoleRunner::failedStore()
+void tst_runTests::failedStore()
 {
     QVERIFY(QDir().mkpath(directory->path(userFile)));
     for (const bool isUpload : {false, true}) {
@@ -308,5 +308,5 @@ void tst_consoleRunner::failedStore()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_consoleRunner)
-#include "tst_consoleRunner.moc"
+QTEST_GUILESS_MAIN(tst_runTests)
+#include "tst_runTests.moc"

@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/runText.h"
+
+#include "cli/textTable.h"
+#include "data/runValues.h"
+#include "data/verdict.h"
+#include "data/visibleText.h"
+
+#include <algorithm>
+
+namespace
+{
+
+const QString nothing = QStringLiteral("-");
+
+QString dateText(const QDateTime &time)
+{
+    return time.toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+QString percent(double share)
+{
+    return QStringLiteral("%1 %").arg(share * 100, 0, 'f', 1);
+}
+
+QString levelText(steadiness level)
+{
+    switch (level) {
+    case steadiness::good:
+        return QStringLiteral("good");
+    case steadiness::noisy:
+        return QStringLiteral("noisy");
+    case steadiness::unsteady:
+        return QStringLiteral("unsteady");
+    case steadiness::tooFewRounds:
+        break;
+    }
+    return QStringLiteral("too few rounds to tell");
+}
+
+QString framesText(const testRun &test)
+{
+    if (!test.frames)
+        return {};
+    switch (*test.frames) {
+    case digestVerdict::right:
+        return QStringLiteral(", verified");
+    case digestVerdict::wrong:
+        return QStringLiteral(", WRONG frames");
+    case digestVerdict::cannotTell:
+        break;
+    }
+    return QStringLiteral(", cannot be verified");
+}
+
+/// What is said of how a test ended, if it did not by itself.
+QString endText(testEnd end)
+{
+    switch (end) {
+    case testEnd::complete:
+        return {};
+    case testEnd::stopped:
+        return QStringLiteral(", stopped");
+    case testEnd::failed:
+        break;
+    }
+    return QStringLiteral("no result");
+}
+
+QStringList rowOf(const testRun &test, const verdict &found)
+{
+    const std::optional<double> value = test.value();
+    if (!value)
+        return {visibleText(test.name),  nothing, QString(), nothing, nothing,
+                endText(testEnd::failed)};
+    return {visibleText(test.name),
+            QString::number(*value, 'g', 6),
+            visibleText(test.unit) + QStringLiteral("/s"),
+            QString::number(test.rounds.size()),
+            found.level == steadiness::tooFewRounds ? nothing : percent(found.rounds.spread()),
+            levelText(found.level) + endText(test.end) + framesText(test)};
+}
+
+/// The geometric mean of @p run's results in relation to those of @p base.
+QString relation(const runRecord &run, const runRecord &base)
+{
+    std::vector<double> ratios;
+    for (const QString &name : testNamesOf(run)) {
+        const std::optional<double> own = valueOf(run, name);
+        const std::optional<double> other = valueOf(base, name);
+        if (own && other && *other > 0)
+            ratios.push_back(*own / *other);
+    }
+    const std::optional<double> mean = geometricMeanOf(ratios);
+    return mean ? percent(*mean) : nothing;
+}
+
+QString unitOf(const runRecord &run, const QString &name)
+{
+    const auto test = std::find_if(run.tests.begin(), run.tests.end(),
+                                   [&name](const testRun &one) { return one.name == name; });
+    return test == run.tests.end() ? QString() : test->unit;
+}
+
+QString kindOf(const runRecord &run)
+{
+    QString kind = run.settings.wanted == runSettings::fullRun ? QStringLiteral("full run")
+                                                               : QStringLiteral("tests");
+    if (run.settings.repetitions > 1)
+        kind += QStringLiteral(" x %1").arg(run.settings.repetitions);
+    return run.isStopped ? kind + QStringLiteral(", stopped") : kind;
+}
+
+QString settingsText(const runRecord &run)
+{
+    QString text = QStringLiteral("%1, %2 s per test")
+                       .arg(kindOf(run), QString::number(run.settings.testTime / 1000.0));
+    if (run.settings.threads)
+        text += QStringLiteral(", %1 threads").arg(*run.settings.threads);
+    if (run.settings.pinnedProcessor)
+        text += QStringLiteral(", on processor %1").arg(*run.settings.pinnedProcessor);
+    return text;
+}
+
+} // namespace
+
+QString runTitle(const runRecord &run)
+{
+    return QStringLiteral("%1, %2 X%3, Fennick %4")
+        .arg(dateText(run.started), visibleText(run.machine.processor).simplified(),
+             QString::number(run.machine.threads), visibleText(run.build.version));
+}
+
+QString repetitionsText(const runRecord &run)
+{
+    if (run.settings.repetitions < 2)
+        return {};
+    std::vector<QStringList> rows = {{QStringLiteral("test"), QStringLiteral("median"), QString(),
+                                      QStringLiteral("times"), QStringLiteral("lowest"),
+                                      QStringLiteral("highest"), QStringLiteral("spread")}};
+    for (const QString &name : testNamesOf(run)) {
+        const std::vector<double> values = valuesOf(run, name);
+        const statistics all = statisticsOf(values);
+        rows.push_back(
+            {visibleText(name), values.empty() ? nothing : QString::number(all.median, 'g', 6),
+             visibleText(unitOf(run, name)) + QStringLiteral("/s"), QString::number(all.count),
+             QString::number(all.minimum, 'g', 6), QString::number(all.maximum, 'g', 6),
+             all.count < 2 ? nothing : percent(all.spread())});
+    }
+    return textTable(rows, {2});
+}
+
+QString runText(const runRecord &run)
+{
+    QString text = runTitle(run) + QLatin1Char('\n') + settingsText(run) + QStringLiteral("\n\n");
+    const QString repetitions = repetitionsText(run);
+    if (!repetitions.isEmpty())
+        text += repetitions + QLatin1Char('\n');
+    std::vector<QStringList> rows = {{QStringLiteral("test"), QStringLiteral("result"), QString(),
+                                      QStringLiteral("rounds"), QStringLiteral("spread"),
+                                      QStringLiteral("verdict")}};
+    QString remarks;
+    for (const testRun &test : run.tests) {
+        const verdict found = verdictOf(test, run);
+        rows.push_back(rowOf(test, found));
+        for (const remark &one : found.remarks)
+            remarks += QStringLiteral("%1: %2\n").arg(visibleText(test.name), one.sentence);
+    }
+    for (const remark &one : remarksOf(run))
+        remarks += one.sentence + QLatin1Char('\n');
+    text += textTable(rows, {2, 5});
+    return remarks.isEmpty() ? text : text + QLatin1Char('\n') + remarks;
+}
+
+QString historyText(const std::vector<runRecord> &runs)
+{
+    std::vector<QStringList> rows = {{QStringLiteral("run"), QStringLiteral("date"),
+                                      QStringLiteral("what"), QStringLiteral("version"),
+                                      QStringLiteral("tests"), QStringLiteral("to first"),
+                                      QStringLiteral("to last")}};
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const runRecord &run = runs.at(i);
+        rows.push_back({QString::number(i + 1), dateText(run.started), kindOf(run),
+                        visibleText(run.build.version), QString::number(testNamesOf(run).size()),
+                        relation(run, runs.front()),
+                        i == 0 ? nothing : relation(run, runs.at(i - 1))});
+    }
+    return textTable(rows, {1, 2});
+}
