@@ -130,23 +130,23 @@ finding hugePagesIn(const situation &now)
 
 struct row {
     disturbance::reason why;
-    const char *word;
     disturbance::weight how;
+    const char *word;
     finding (*look)(const situation &now);
 };
 
 /// The worst first.
 constexpr row rows[] = {
-    {disturbance::debugBuild, "debug-build", disturbance::warning, debugBuildIn},
-    {disturbance::sanitizerBuild, "sanitizer-build", disturbance::warning, sanitizerBuildIn},
-    {disturbance::secondInstance, "second-instance", disturbance::warning, secondInstanceIn},
-    {disturbance::onBattery, "battery", disturbance::warning, batteryIn},
-    {disturbance::powersaveGovernor, "powersave-governor", disturbance::warning, governorIn},
-    {disturbance::busyMachine, "busy-machine", disturbance::warning, loadIn},
-    {disturbance::environmentSettings, "environment", disturbance::warning, environmentIn},
-    {disturbance::boostOff, "boost-off", disturbance::note, boostIn},
-    {disturbance::virtualMachine, "virtual-machine", disturbance::note, virtualMachineIn},
-    {disturbance::hugePages, "huge-pages", disturbance::note, hugePagesIn},
+    {disturbance::debugBuild, disturbance::warning, "debug-build", debugBuildIn},
+    {disturbance::sanitizerBuild, disturbance::warning, "sanitizer-build", sanitizerBuildIn},
+    {disturbance::secondInstance, disturbance::warning, "second-instance", secondInstanceIn},
+    {disturbance::onBattery, disturbance::warning, "battery", batteryIn},
+    {disturbance::powersaveGovernor, disturbance::warning, "powersave-governor", governorIn},
+    {disturbance::busyMachine, disturbance::warning, "busy-machine", loadIn},
+    {disturbance::environmentSettings, disturbance::warning, "environment", environmentIn},
+    {disturbance::boostOff, disturbance::note, "boost-off", boostIn},
+    {disturbance::virtualMachine, disturbance::note, "virtual-machine", virtualMachineIn},
+    {disturbance::hugePages, disturbance::note, "huge-pages", hugePagesIn},
 };
 
 } // namespace

@@ -38,7 +38,8 @@ std::optional<QString> cpufreqWords(const fs::path &root, const char *fileName)
 std::optional<bool> readSwitch(const fs::path &file)
 {
     const auto value = systemFile::number(file);
-    return value == 0 || value == 1 ? std::make_optional(*value == 1) : std::nullopt;
+    const bool isSwitch = value && (*value == 0 || *value == 1);
+    return isSwitch ? std::make_optional(*value == 1) : std::nullopt;
 }
 
 std::optional<bool> readBoost(const fs::path &root)

@@ -87,9 +87,9 @@ bool hasHypervisorFlag(const fs::path &root)
 
 std::optional<std::string> readVirtualMachine(const fs::path &root)
 {
-    if (const auto kind = kindOfBoard(root))
+    if (auto kind = kindOfBoard(root))
         return kind;
-    if (const auto kind = kindOfDeviceTree(root))
+    if (auto kind = kindOfDeviceTree(root))
         return kind;
     if (const auto type = systemFile::line(root / "sys/hypervisor/type"))
         return *type == "xen" ? "Xen" : *type;

@@ -10,6 +10,8 @@ set(source "#include <cmath>
 #include <string>
 static const int table[] = {3, 1, 4, 1, 5};
 int lookUp(int i) { return table[i] + 7; }
+int callee(int);
+int call(int i) { return callee(i) + 1; }
 float root(float x) { return std::sqrt(x) * 0.3F; }
 std::string named(const std::string &name) { return name + \"a constant of some length\"; }
 ")
@@ -69,7 +71,7 @@ digest_of(fewer here/work.o)
 expect_other("an object less" "${first}" "${fewer}")
 
 # Each a change of one instruction, one constant, one callee, one flag.
-foreach(change "+ 7@+ 8" "1, 4@1, 5" "0.3F@0.4F" "a constant@A constant" "std::sqrt@std::cbrt")
+foreach(change "+ 7@+ 8" "1, 4@1, 5" "0.3F@0.4F" "a constant@A constant" "callee@called" "std::sqrt@std::cbrt")
     string(REPLACE "@" ";" change "${change}")
     list(GET change 0 before)
     list(GET change 1 after)

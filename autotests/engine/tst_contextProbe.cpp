@@ -325,6 +325,7 @@ void tst_contextProbe::oddFiles_data()
     QTest::newRow("letters of other scripts") << QByteArray("\xc3\xa4\xff");
     QTest::newRow("a number without an end") << QByteArray("-");
     QTest::newRow("not a number") << QByteArray("nan nan nan\n");
+    QTest::newRow("no finite number") << QByteArray("inf inf inf\n");
     QTest::newRow("negative") << QByteArray("-1 -1 -1\n");
     QTest::newRow("brackets alone") << QByteArray("[] ][\n");
 }
