@@ -45,6 +45,7 @@ need_build_tools() {
 need_server_tools() {
     need has_header boost/beast.hpp libboost-dev
     need has_header unicode/uspoof.h libicu-dev
+    need has_cmake_package prometheus-cpp prometheus-cpp-dev
     need has_file qt5/plugins/sqldrivers/libqsqlite.so libqt5sql5-sqlite
 }
 

@@ -58,6 +58,7 @@ public:
     void beginPostgres() { place = postgres.newDatabase(); }
 
     databaseAddress address() const { return *parseDatabaseAddress(place); }
+    bool isSqlite() const { return address().product == databaseAddress::sqlite; }
 
     postgresServer postgres;
 

@@ -38,6 +38,8 @@ private slots:
     void emptyDatabase();
     void uploads_data() { storeFixture::addProducts(); }
     void uploads();
+    void counting_data() { storeFixture::addProducts(); }
+    void counting();
     void strangeTexts_data() { storeFixture::addProducts(); }
     void strangeTexts();
     void lists_data() { storeFixture::addProducts(); }
@@ -137,6 +139,28 @@ void tst_resultStore::uploads()
     QVERIFY(all.at(0).id < all.at(1).id && all.at(1).id < all.at(2).id);
     QVERIFY(store.add({numbered(0)}));
     QVERIFY(uploadsIn(store).last().isEmpty);
+}
+
+void tst_resultStore::counting()
+{
+    resultStore store(fixture->address());
+    QVERIFY(store.open());
+    QCOMPARE(store.countUploads().value_or(uploadCounts{{QString(), 1}}), uploadCounts());
+    storedUpload held = numbered(3);
+    held.state = QStringLiteral("held");
+    QVERIFY(store.add({numbered(1), numbered(2), held, numbered(4)}));
+    QVERIFY(store.withdraw(4, QStringLiteral("x")).value_or(false));
+    const uploadCounts expected = {{QStringLiteral("received"), 2},
+                                   {QStringLiteral("held"), 1},
+                                   {QStringLiteral("withdrawn"), 1}};
+    QCOMPARE(store.countUploads().value_or(uploadCounts()), expected);
+    if (!fixture->isSqlite())
+        return; // it decides by the sizes, and these are small
+    QString plan;
+    QVERIFY(store.connection().read(
+        QStringLiteral("EXPLAIN QUERY PLAN SELECT state, count(*) FROM uploads GROUP BY state"), {},
+        [&plan](const QSqlQuery &row) { plan += row.value(3).toString(); }));
+    QVERIFY2(plan.contains(QStringLiteral("COVERING INDEX uploads_state")), qPrintable(plan));
 }
 
 void tst_resultStore::strangeTexts()

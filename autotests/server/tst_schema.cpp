@@ -80,6 +80,8 @@ private slots:
     void sameTablesAsNewOnes();
     void isUndoneAndTriedAgain_data() { storeFixture::addProducts(); }
     void isUndoneAndTriedAgain();
+    void fromTheSecond_data() { storeFixture::addProducts(); }
+    void fromTheSecond();
     void severalAtOnce_data() { storeFixture::addProducts(); }
     void severalAtOnce();
     void readersDoNotMigrate_data() { storeFixture::addProducts(); }
@@ -142,16 +144,16 @@ void tst_schema::groupsAndChanges()
 
 void tst_schema::sameTablesAsNewOnes()
 {
-    const bool isSqlite = fixture->address().product == databaseAddress::sqlite;
     const QString sql =
-        isSqlite ? QStringLiteral("SELECT type || ' ' || name || ' ' || coalesce(sql, '') FROM"
-                                  " sqlite_master ORDER BY 1")
-                 : QStringLiteral(
-                     "SELECT concat_ws(' ', table_name, column_name, data_type, is_nullable,"
-                     " column_default, collation_name) FROM information_schema.columns WHERE"
-                     " table_schema = 'public' UNION ALL SELECT indexdef FROM pg_indexes WHERE"
-                     " schemaname = 'public' UNION ALL SELECT pg_get_constraintdef(oid) FROM"
-                     " pg_constraint WHERE connamespace = 'public'::regnamespace ORDER BY 1");
+        fixture->isSqlite()
+            ? QStringLiteral("SELECT type || ' ' || name || ' ' || coalesce(sql, '') FROM"
+                             " sqlite_master ORDER BY 1")
+            : QStringLiteral(
+                "SELECT concat_ws(' ', table_name, column_name, data_type, is_nullable,"
+                " column_default, collation_name) FROM information_schema.columns WHERE"
+                " table_schema = 'public' UNION ALL SELECT indexdef FROM pg_indexes WHERE"
+                " schemaname = 'public' UNION ALL SELECT pg_get_constraintdef(oid) FROM"
+                " pg_constraint WHERE connamespace = 'public'::regnamespace ORDER BY 1");
     const auto tablesOf = [&sql](const databaseAddress &place) {
         resultStore store(place);
         QStringList tables;
@@ -187,6 +189,31 @@ void tst_schema::isUndoneAndTriedAgain()
     QCOMPARE(uploadsIn(store).size(), 9);
 }
 
+/// The second schema was the third without an index.
+void tst_schema::fromTheSecond()
+{
+    fixture->begin();
+    const databaseAddress place = fixture->address();
+    {
+        resultStore store(place);
+        QCOMPARE(why(store.open()), QString());
+        QVERIFY(store.add({numbered(1)}));
+    }
+    const QString indexes = fixture->isSqlite()
+                                ? QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name ="
+                                                 " 'uploads_state'")
+                                : QStringLiteral("SELECT count(*) FROM pg_indexes WHERE indexname ="
+                                                 " 'uploads_state'");
+    QVERIFY(changeIn(place, QStringLiteral("DROP INDEX uploads_state")));
+    QVERIFY(changeIn(place, QStringLiteral("UPDATE schema_version SET version = 2")));
+    QCOMPARE(numberIn(place, indexes), qint64(0));
+    resultStore store(place);
+    QCOMPARE(why(store.open()), QString());
+    QCOMPARE(uploadsIn(store).size(), 1);
+    QCOMPARE(numberIn(place, indexes), qint64(1));
+    QCOMPARE(numberIn(place, QStringLiteral("SELECT version FROM schema_version")), qint64(3));
+}
+
 void tst_schema::severalAtOnce()
 {
     const databaseAddress place = fixture->address();
@@ -208,7 +235,7 @@ void tst_schema::readersDoNotMigrate()
     {
         resultStore store(fixture->address(), databaseUse::reading);
         QCOMPARE(why(store.open()),
-                 QStringLiteral("the database has schema 1; publish and serve bring it up to 2"));
+                 QStringLiteral("the database has schema 1; publish and serve bring it up to 3"));
     }
     QCOMPARE(numberIn(fixture->address(), QStringLiteral("SELECT version FROM schema_version")),
              qint64(1));
@@ -223,7 +250,7 @@ void tst_schema::newerSchema()
         resultStore store(place, use);
         QCOMPARE(why(store.open()),
                  QStringLiteral("a newer fennick-server has made this database: it has schema 7,"
-                                " and this program knows those up to 2"));
+                                " and this program knows those up to 3"));
     }
 }
 

@@ -12,16 +12,29 @@
 #include <boost/beast/http/span_body.hpp>
 #include <boost/beast/http/string_body.hpp>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+
+/// What a request turns out to be about, in a constant word; null as long as nobody knows. Whoever
+/// handles the request may say it on any thread.
+using requestTopic = std::atomic<const char *>;
 
 /// A request that has been taken.
 struct httpRequest {
     std::string path;
     std::string body;
     ipAddress client;
+    std::shared_ptr<requestTopic> topic;
+};
+
+/// An answer that is being sent.
+struct answeredRequest {
+    const char *topic; ///< of the request; null if it has none, or was refused for its form
+    int status;
+    steadyClock::duration taken; ///< since the request's first byte
 };
 
 /// Answers a request through its replier, at once or later. Called on the thread of the loop, and
@@ -33,8 +46,8 @@ struct connectionHost {
     std::vector<resource> resources;
     std::vector<ipNetwork> trustedProxies;
     requestHandler handle;
-    /// Called for each answer.
-    std::function<void(int status)> answered = [](int) {};
+    /// Called for each answer, on the thread of the loop.
+    std::function<void(const answeredRequest &)> answered = [](const answeredRequest &) {};
     /// Called when a connection is gone.
     std::function<void()> left = [] {};
     bool isEnding = false; ///< whether each request is the last one of its connection
@@ -96,7 +109,8 @@ private:
     std::size_t headBytes = 0; ///< of the request, as far as they have been taken
     boost::beast::flat_buffer buffer;
     std::optional<requestParser> parser;
-    QByteArray body; ///< of the answer, which the response shows
+    std::shared_ptr<requestTopic> topic; ///< of the request that has been taken
+    QByteArray body;                     ///< of the answer, which the response shows
     responseMessage response;
     std::optional<boost::beast::http::response_serializer<responseBody>> serializer;
 };
