@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "server/http/connection.h"
+#include "server/http/connectionTable.h"
+#include "server/http/request.h"
 #include "server/storeThreads.h"
 
 #include <prometheus/counter.h>

@@ -4,6 +4,7 @@
 #include "server/http/asio.h"
 #include "server/http/connectionTable.h"
 #include "server/http/headRules.h"
+#include "server/http/request.h"
 
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/span.hpp>
@@ -12,34 +13,9 @@
 #include <boost/beast/http/span_body.hpp>
 #include <boost/beast/http/string_body.hpp>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
-
-/// What a request turns out to be about, in a constant word; null as long as nobody knows. Whoever
-/// handles the request may say it on any thread.
-using requestTopic = std::atomic<const char *>;
-
-/// A request that has been taken.
-struct httpRequest {
-    std::string path;
-    std::string body;
-    ipAddress client;
-    std::shared_ptr<requestTopic> topic;
-};
-
-/// An answer that is being sent.
-struct answeredRequest {
-    const char *topic; ///< of the request; null if it has none, or was refused for its form
-    int status;
-    steadyClock::duration taken; ///< since the request's first byte
-};
-
-/// Answers a request through its replier, at once or later. Called on the thread of the loop, and
-/// must not keep it waiting.
-using requestHandler = std::function<void(httpRequest request, replier reply)>;
 
 /// What the connections of a server have in common.
 struct connectionHost {
