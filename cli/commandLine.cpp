@@ -37,7 +37,7 @@ const QCommandLineOption
 const QCommandLineOption serverOption(
     QStringLiteral("server"),
     QStringLiteral("The online database; %1 if absent.").arg(httpDatabase::defaultHost()),
-    QStringLiteral("HOST[:PORT]"));
+    QStringLiteral("[https://]HOST[:PORT]"));
 
 QString indented(const QStringList &names)
 {
@@ -96,9 +96,11 @@ outcome<void> readExchange(const QCommandLineParser &parser, commandLine &comman
     command.server = httpDatabase::defaultHost();
     if (parser.isSet(serverOption)) {
         command.server = parser.value(serverOption);
-        if (!httpDatabase::isHost(command.server)) {
+        if (!httpDatabase::isServer(command.server)) {
             return failure(
-                QStringLiteral("--server takes HOST or HOST:PORT, not '%1'").arg(command.server));
+                QStringLiteral("--server takes HOST or HOST:PORT, or https:// and one of "
+                               "both, not '%1'")
+                    .arg(command.server));
         }
     }
     const QStringList names = parser.optionNames();

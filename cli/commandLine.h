@@ -19,7 +19,7 @@ struct commandLine {
     QString resolution; ///< "widthxheight", empty for the standard resolution
     int testTime = benchBase::standardTestTime; ///< milliseconds
     bool isUpload = false;                      ///< a full run's results go to the online database
-    QString server;                             ///< its "host" or "host:port"
+    QString server;                             ///< its "host" or "host:port", with "https://" for TLS
 };
 
 /// Reads @p arguments, the program's own name first. Blanks in a test's name need not be exact;

@@ -63,6 +63,7 @@ need_test_tools() {
     need has_file 'postgresql/*/bin/initdb' postgresql
     need has_program haproxy haproxy
     need has_program nginx nginx-light
+    need has_command openssl openssl
     need_style_tools
 }
 
