@@ -15,6 +15,9 @@ constexpr std::ptrdiff_t largestBatch = 500;
 /// Whoever has waited so long has been told that the database does not answer.
 constexpr auto longestWait = std::chrono::seconds(6);
 
+/// So long an answer about writing holds for others too: each try makes the disk write.
+constexpr auto checkAge = std::chrono::seconds(1);
+
 } // namespace
 
 template <typename Work>
@@ -181,6 +184,8 @@ void storeThreads::serveReads()
 void storeThreads::serveWrites()
 {
     resultStore to(place);
+    outcome<void> isWritable;
+    clock::time_point nextCheck;
     std::unique_lock lock(mutex);
     while (true) {
         writesChanged.wait(lock, [this] { return isEnding || !writes.empty() || !checks.empty(); });
@@ -196,10 +201,12 @@ void storeThreads::serveWrites()
         lock.unlock();
         store(to, std::move(batch));
         if (!asked.empty()) {
-            const outcome<void> isWritable =
-                twice(to, work::writing, [&to] { return to.checkWritable(); });
-            if (!isWritable)
-                writeLog(QStringLiteral("no upload can be stored: %1").arg(isWritable.error()));
+            if (clock::now() >= nextCheck) {
+                isWritable = twice(to, work::writing, [&to] { return to.checkWritable(); });
+                nextCheck = clock::now() + checkAge;
+                if (!isWritable)
+                    writeLog(QStringLiteral("no upload can be stored: %1").arg(isWritable.error()));
+            }
             for (const resultTaker &take : asked)
                 take(isWritable.has_value());
         }

@@ -53,7 +53,7 @@ public:
     void countUploads(countTaker take);
     /// True when @p upload is durable.
     void add(storedUpload upload, resultTaker take);
-    /// Whether an upload could be stored now.
+    /// Whether an upload could be stored now, or a moment ago.
     void checkWritable(resultTaker take);
 
     /// How many wait for the database.
