@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Installs what is missing, builds Fennick with its tests and runs them all.
-# usage: test.sh [PRESET], one of test (the default), dev, sanitizers, ci-clang
+# usage: test.sh [PRESET], one of test (the default), dev, sanitizers, ci-clang, or
+# thread-sanitizer, which has the server's tests alone
 set -euo pipefail
 
 preset=${1:-test}

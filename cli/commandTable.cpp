@@ -85,7 +85,7 @@ std::vector<optionRow> exchangeOptions()
          {},
          QStringLiteral("Keeps them on this machine, as if --upload was absent. The later one of "
                         "the two counts.")},
-        {QStringLiteral("server"), '\0', QStringLiteral("HOST[:PORT]"),
+        {QStringLiteral("server"), '\0', QStringLiteral("[https://]HOST[:PORT]"),
          QStringLiteral("The online database; %1 if absent.").arg(httpDatabase::defaultHost())},
         {QStringLiteral("quiet"),
          'q',

@@ -42,7 +42,7 @@ struct runRequest {
     bool isVerified = false;
     bool isQuiet = false;
     bool isUpload = false; ///< a full run's results go to the online database
-    QString server;        ///< its "host" or "host:port"
+    QString server;        ///< its "host" or "host:port", with "https://" for TLS
     outputFiles output;
 
     /// Whether the machine works as it does for everybody, so that results may be stored.

@@ -84,9 +84,10 @@ outcome<void> readExchange(const QCommandLineParser &parser, runRequest &run)
     run.server = httpDatabase::defaultHost();
     if (parser.isSet(QStringLiteral("server"))) {
         run.server = parser.value(QStringLiteral("server"));
-        if (!httpDatabase::isHost(run.server)) {
-            return failure(
-                QStringLiteral("--server takes HOST or HOST:PORT, not '%1'").arg(run.server));
+        if (!httpDatabase::isServer(run.server)) {
+            return failure(QStringLiteral("--server takes HOST or HOST:PORT, or https:// and one "
+                                          "of both, not '%1'")
+                               .arg(run.server));
         }
     }
     const QStringList names = parser.optionNames();

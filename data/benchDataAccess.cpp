@@ -92,10 +92,19 @@ bool benchDataAccess::updateReference(referenceSource source)
     return true;
 }
 
+bool benchDataAccess::ask(onlineDatabase::requestKind requested, QByteArray &reply)
+{
+    const bool isAnswered = online->request(requested, reply);
+    const QString refusal = online->refusal();
+    if (!isAnswered && !refusal.isEmpty())
+        loadProblems.append(QStringLiteral("the online database refuses: %1").arg(refusal));
+    return isAnswered;
+}
+
 std::optional<quint32> benchDataAccess::newerOnlineVersion()
 {
     QByteArray reply;
-    if (!online->request(onlineDatabase::referenceVersion, reply)) {
+    if (!ask(onlineDatabase::referenceVersion, reply)) {
         print(QStringLiteral("No online database found\n"));
         return std::nullopt;
     }
@@ -112,7 +121,7 @@ bool benchDataAccess::downloadReference(referenceSource source, quint32 version)
     QByteArray xml;
     const onlineDatabase::requestKind list =
         source == betaReference ? onlineDatabase::betaReference : onlineDatabase::reference;
-    if (!online->request(list, xml) || readMachines(xml).isEmpty())
+    if (!ask(list, xml) || readMachines(xml).isEmpty())
         return false;
     bool ok = true;
     const QString directory = userDataDirectory(ok);

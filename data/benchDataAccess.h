@@ -39,8 +39,9 @@ public:
     void loadReferenceData(referenceSource source);
     /// Appends this machine, as it was stored, or as it is and with a result of 0 for every test.
     void loadUserData();
-    /// What could not be read since the latest load of reference data, that load included: one
-    /// sentence for each file, without an end of line. They are not printed.
+    /// What could not be read since the latest load of reference data, that load included, and why
+    /// the online database refused to answer, if it said so: one sentence for each, without an end
+    /// of line. They are not printed.
     const QStringList &getLoadProblems() const { return loadProblems; }
     /// Stores the last machine without the results of single-only tests. An older file is replaced
     /// by a complete one, or kept if that fails, which is false.
@@ -70,6 +71,8 @@ protected:
     QVector<benchResults> results;
 
 private:
+    /// Asks the online database for what is loaded, and notes why it refuses.
+    bool ask(onlineDatabase::requestKind requested, QByteArray &reply);
     /// The version of the online list, if it is newer than the local one.
     std::optional<quint32> newerOnlineVersion();
     /// Stores the list of @p source as one of @p version. False if that failed.

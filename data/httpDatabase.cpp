@@ -10,6 +10,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
+#include <QSslError>
 #include <QTimer>
 #include <QUrl>
 
@@ -17,6 +18,8 @@
 
 namespace
 {
+
+const QString secureScheme = QStringLiteral("https://");
 
 /// The type of a request in its form; nothing for a number that means none.
 std::optional<QByteArray> typeOf(int requested)
@@ -76,6 +79,18 @@ QString wordsOf(QNetworkReply &answer)
     return words;
 }
 
+/// Why there is no secure connection, as a sentence.
+QString distrustOf(const QNetworkReply &answer, const QList<QSslError> &faults)
+{
+    if (faults.isEmpty())
+        return QStringLiteral("no secure connection: %1").arg(answer.errorString().simplified());
+    QStringList reasons;
+    for (const QSslError &fault : faults)
+        reasons.append(fault.errorString());
+    return QStringLiteral("the certificate of %1 is not trusted: %2")
+        .arg(answer.url().host(), reasons.join(QStringLiteral("; ")));
+}
+
 QNetworkRequest formRequest(const QString &endpoint)
 {
     QNetworkRequest request{QUrl(endpoint)};
@@ -90,19 +105,21 @@ QNetworkRequest formRequest(const QString &endpoint)
 
 } // namespace
 
-httpDatabase::httpDatabase(const QString &host) : httpDatabase(host, timeOuts()) {}
+httpDatabase::httpDatabase(const QString &server) : httpDatabase(server, timeOuts()) {}
 
-httpDatabase::httpDatabase(const QString &host, const timeOuts &limits)
-    : endpoint(QStringLiteral("http://%1/php/Fennick/mcp.php").arg(host)),
+httpDatabase::httpDatabase(const QString &server, const timeOuts &limits)
+    : endpoint((server.startsWith(secureScheme) ? server : QStringLiteral("http://") + server)
+               + QStringLiteral("/php/Fennick/mcp.php")),
       limit(limits)
 {
 }
 
 httpDatabase::~httpDatabase() = default;
 
-bool httpDatabase::isHost(const QString &text)
+bool httpDatabase::isServer(const QString &text)
 {
-    const QUrl url(QStringLiteral("http://%1").arg(text), QUrl::StrictMode);
+    const QString scheme = text.startsWith(secureScheme) ? QString() : QStringLiteral("http://");
+    const QUrl url(scheme + text, QUrl::StrictMode);
     return url.isValid() && !url.host().isEmpty() && url.port(1) != 0
            && !text.endsWith(QLatin1Char(':'))
            && url
@@ -155,8 +172,15 @@ std::optional<QByteArray> httpDatabase::post(const QByteArray &body, int timeOut
         if (answer->bytesAvailable() > maximumXmlSize)
             answer->abort();
     });
+    QList<QSslError> faults;
+    QObject::connect(answer.get(), &QNetworkReply::sslErrors, &loop,
+                     [&faults](const QList<QSslError> &found) { faults = found; });
     loop.exec(QEventLoop::ExcludeUserInputEvents);
 
+    if (answer->error() == QNetworkReply::SslHandshakeFailedError) {
+        refused = distrustOf(*answer, faults);
+        return std::nullopt;
+    }
     if (answer->error() != QNetworkReply::NoError) {
         refused = wordsOf(*answer);
         return std::nullopt;

@@ -10,7 +10,10 @@
 
 class QNetworkAccessManager;
 
-/// The online result database behind plain HTTP, one POST per request.
+/// The online result database behind HTTP, one POST per request.
+///
+/// Where it is asked for, the way is TLS, and the server's certificate must be one that the system
+/// trusts, for this host. Redirects are not followed.
 ///
 /// A request waits in an event loop of its own: windows are repainted meanwhile, but keys, clicks
 /// and the user's closing of a window are held back until it is over.
@@ -23,18 +26,20 @@ public:
         int others = 30000;
     };
 
-    /// @p host as "name" or "name:port". Nothing is sent before the first request.
-    explicit httpDatabase(const QString &host = defaultHost());
-    httpDatabase(const QString &host, const timeOuts &limits);
+    /// @p server as "name" or "name:port", or "https://" and one of both for TLS. Nothing is sent
+    /// before the first request.
+    explicit httpDatabase(const QString &server = defaultHost());
+    httpDatabase(const QString &server, const timeOuts &limits);
     ~httpDatabase() override;
 
     /// Where this build looks for the database (FENNICK_RESULT_HOST).
     static QString defaultHost();
-    /// Whether @p text is a host, with or without a port, and nothing else.
-    static bool isHost(const QString &text);
+    /// Whether @p text is a host, with or without a port and "https://", and nothing else.
+    static bool isServer(const QString &text);
 
     bool request(int requested, QByteArray &data) override;
-    /// Of a server whose answer is plain text; a page for a browser is no reason.
+    /// Of a server whose answer is plain text; a page for a browser is no reason. If the server is
+    /// not trusted, why not.
     QString refusal() const override { return refused; }
 
 private:

@@ -45,6 +45,7 @@ need_build_tools() {
 # The result database's; the benchmark does without.
 need_server_tools() {
     need has_header unicode/uspoof.h libicu-dev
+    need has_cmake_package prometheus-cpp prometheus-cpp-dev
     need has_file qt5/plugins/sqldrivers/libqsqlite.so libqt5sql5-sqlite
 }
 
@@ -64,6 +65,7 @@ need_test_tools() {
     need has_file 'postgresql/*/bin/initdb' postgresql
     need has_program haproxy haproxy
     need has_program nginx nginx-light
+    need has_command openssl openssl
     need_style_tools
 }
 

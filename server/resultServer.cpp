@@ -9,6 +9,7 @@
 #include <boost/asio/post.hpp>
 
 #include <QFile>
+#include <QHash>
 
 namespace
 {
@@ -20,8 +21,18 @@ const std::string readingHealthPage = "/health/reading";
 /// Those that read uploads, of which one takes some hundred microseconds.
 constexpr int workerThreads = 2;
 constexpr int maximumBacklog = 2'000;
+/// A million takes the database some hundred milliseconds, in which nobody else reads.
+constexpr auto countsAge = std::chrono::minutes(1);
 /// A larger form is an upload, or nonsense.
 constexpr std::size_t smallForm = 1024;
+
+/// The types of forms, and what they are counted as.
+const QHash<QByteArray, const char *> topics = {
+    {"storeUserData", "upload"},
+    {"getReferenceVersion", "version"},
+    {"getReference", "list"},
+    {"getReferenceBeta", "beta_list"},
+};
 
 answer unavailable()
 {
@@ -53,7 +64,7 @@ resultServer::resultServer(asio::io_context &loop, const serverOptions &wanted)
       uploadLimit(wanted.uploads, wanted.uploadPeriod),
       readLimit(wanted.reads, wanted.readPeriod),
       builtInList(builtIn()),
-      store(wanted.database),
+      store(wanted.database, [this](storeThreads::work kind) { metrics.databaseFailed(kind); }),
       workers(workerThreads),
       http(loop, wanted.limits, makeHost())
 {
@@ -80,7 +91,24 @@ connectionHost resultServer::makeHost()
     host.handle = [this](const httpRequest &request, const replier &reply) {
         take(request, reply);
     };
+    host.answered = [this](const answeredRequest &request) { metrics.answered(request); };
     return host;
+}
+
+std::string resultServer::metricsText()
+{
+    countUploads();
+    return metrics.text({store.waiting(), backlog, http.connections()});
+}
+
+void resultServer::countUploads()
+{
+    const auto now = steadyClock::now();
+    if (uploadsCounted && now - *uploadsCounted < countsAge)
+        return;
+    uploadsCounted = now;
+    store.countUploads(
+        [this](const std::optional<uploadCounts> &counts) { metrics.setUploads(counts); });
 }
 
 void resultServer::take(const httpRequest &request, const replier &reply)
@@ -88,13 +116,17 @@ void resultServer::take(const httpRequest &request, const replier &reply)
     if (request.path == endpoint && request.body.size() > smallForm) {
         if (!doElsewhere([this, request, reply] { form(request, reply); }))
             reply(busy());
-    } else if (request.path == endpoint) {
-        form(request, reply);
-    } else if (!readLimit.take(accountOf(request.client))) {
-        reply(tooMany(readLimit, QStringLiteral("too many requests; please try again later")));
-    } else {
-        health(request.path == healthPage, reply);
+        return;
     }
+    if (request.path == endpoint) {
+        form(request, reply);
+        return;
+    }
+    *request.topic = "health";
+    if (!readLimit.take(accountOf(request.client)))
+        reply(tooMany(readLimit, QStringLiteral("too many requests; please try again later")));
+    else
+        health(request.path == healthPage, reply);
 }
 
 bool resultServer::doElsewhere(std::function<void()> work)
@@ -122,6 +154,7 @@ void resultServer::form(const httpRequest &request, const replier &reply)
         return;
     }
     const QByteArray type = items->value("type");
+    *request.topic = topics.value(type);
     if (type == "storeUserData")
         upload(items->value("results"), request.client, reply);
     else if (!readLimit.take(accountOf(request.client)))
@@ -174,6 +207,7 @@ void resultServer::upload(const QByteArray &xml, const ipAddress &client, const 
     const auto machine = checkUpload(xml);
     if (!machine) {
         readLimit.take(account);
+        metrics.refused(machine.error().kind);
         writeLog(QStringLiteral("upload refused: %1").arg(QLatin1String(machine.error().kind)));
         reply(textAnswer(machine.error().isReadable ? 422 : 400, machine.error().reason));
         return;

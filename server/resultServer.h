@@ -3,6 +3,7 @@
 
 #include "server/http/edge.h"
 #include "server/rateLimit.h"
+#include "server/serverMetrics.h"
 #include "server/storeThreads.h"
 
 #include <boost/asio/thread_pool.hpp>
@@ -38,6 +39,10 @@ public:
     /// To be called when the loop has ended. False if the database hangs: then some threads do too.
     bool finish(std::chrono::milliseconds longest);
 
+    /// What has happened so far, for Prometheus. To be called on the thread of the loop. The
+    /// numbers of uploads are at most a minute older than the look before this one.
+    std::string metricsText();
+
 private:
     connectionHost makeHost();
     void take(const httpRequest &request, const replier &reply);
@@ -48,8 +53,12 @@ private:
     void upload(const QByteArray &xml, const ipAddress &client, const replier &reply);
     /// Has @p work done by another thread than that of the loop. False if too much is waiting.
     bool doElsewhere(std::function<void()> work);
+    /// Has the uploads counted, unless that was a moment ago.
+    void countUploads();
 
     serverOptions options;
+    serverMetrics metrics;
+    std::optional<steadyClock::time_point> uploadsCounted;
     rateLimit uploadLimit;
     rateLimit readLimit;
     QByteArray builtInList;

@@ -187,6 +187,17 @@ outcome<storedList> resultStore::newestList(bool isBeta)
         .map([&newest] { return newest; });
 }
 
+outcome<uploadCounts> resultStore::countUploads()
+{
+    uploadCounts counts;
+    return db
+        .read(QStringLiteral("SELECT state, count(*) FROM uploads GROUP BY state"), {},
+              [&counts](const QSqlQuery &row) {
+                  counts.insert(row.value(0).toString(), row.value(1).toLongLong());
+              })
+        .map([&counts] { return counts; });
+}
+
 outcome<void> resultStore::forEachUpload(const QString &which, const QVariantList &values,
                                          const std::function<void(const storedUpload &)> &take)
 {

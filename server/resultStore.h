@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QMap>
 #include <QVector>
 
 #include <functional>
@@ -17,6 +18,9 @@ struct storedList {
     qint64 made = 0;    ///< milliseconds since 1970
     QByteArray content; ///< XML, packed by qCompress
 };
+
+/// Numbers of uploads by their state; none where there are none.
+using uploadCounts = QMap<QString, qint64>;
 
 /// The uploads and the lists in a database. A call that fails undoes what it has begun.
 ///
@@ -59,6 +63,8 @@ public:
     outcome<int> newestVersion();
     /// The newest list, or one with version 0 if none has been published.
     outcome<storedList> newestList(bool isBeta);
+    /// How many uploads there are in each state, without reading the uploads themselves.
+    outcome<uploadCounts> countUploads();
     /// Hands every upload to @p take, oldest first.
     outcome<void> forEachUpload(const std::function<void(const storedUpload &)> &take)
     {

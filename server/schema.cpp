@@ -34,6 +34,9 @@ QStringList uploadTable(bool isSqlite)
     };
 }
 
+/// Counting what is in each state reads this index alone.
+const QString stateIndex = QStringLiteral("CREATE INDEX uploads_state ON uploads (state)");
+
 /// What makes the tables of uploads fast to search.
 QStringList uploadIndexes()
 {
@@ -43,6 +46,7 @@ QStringList uploadIndexes()
         // Those that the next publication marks as published.
         QStringLiteral("CREATE INDEX uploads_new ON uploads (changed)"
                        " WHERE state = 'received' AND is_empty = 0 AND group_key <> ''"),
+        stateIndex,
     };
 }
 
@@ -214,16 +218,36 @@ outcome<void> groupAllUploads(database &db)
     }
 }
 
+const QString setVersion =
+    QStringLiteral("UPDATE schema_version SET version = %1").arg(schemaVersion);
+
 outcome<void> migrateFrom1(database &db)
 {
     const bool isSqlite = db.isSqlite();
     return changeAll(db, widerUploads(isSqlite))
         .and_then([&] { return groupAllUploads(db); })
         .and_then([&] {
-            return changeAll(
-                db, uploadIndexes() + publishingTables(isSqlite) + otherTables(isSqlite)
-                        + QStringList(QStringLiteral("UPDATE schema_version SET version = 2")));
+            return changeAll(db, uploadIndexes() + publishingTables(isSqlite)
+                                     + otherTables(isSqlite) + QStringList(setVersion));
         });
+}
+
+outcome<void> migrateFrom2(database &db)
+{
+    return changeAll(db, {stateIndex, setVersion});
+}
+
+/// Makes the tables, or brings those of an older @p version up to date.
+outcome<void> migrate(database &db, qint64 version)
+{
+    switch (version) {
+    case 0:
+        return createTables(db);
+    case 1:
+        return migrateFrom1(db);
+    default:
+        return migrateFrom2(db);
+    }
 }
 
 /// The version of the tables in @p db, 0 if it has none.
@@ -267,7 +291,7 @@ outcome<void> prepareSchema(database &db)
             return failure(version.error());
         if (*version == schemaVersion)
             return {};
-        return *version == 0 ? createTables(db) : migrateFrom1(db);
+        return migrate(db, *version);
     });
 }
 

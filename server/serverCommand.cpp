@@ -35,6 +35,11 @@ const QCommandLineOption listenOption(
     QStringLiteral("listen"),
     QStringLiteral("serve: where to listen; 127.0.0.1:8426 if absent, port 0 for a free one."),
     QStringLiteral("ADDRESS:PORT"));
+const QCommandLineOption
+    metricsOption(QStringLiteral("metrics"),
+                  QStringLiteral("serve: where to serve the page /metrics for Prometheus, for "
+                                 "example 127.0.0.1:9426; nowhere if absent."),
+                  QStringLiteral("ADDRESS:PORT"));
 const QCommandLineOption uploadLimitOption(
     QStringLiteral("upload-limit"),
     QStringLiteral("serve: the most uploads of one address in a period; 30/600 if absent, 0/1 for "
@@ -77,14 +82,35 @@ const QCommandLineOption aboveOption(QStringLiteral("above"),
                                      QStringLiteral("publish: the next version is above this one."),
                                      QStringLiteral("VERSION"));
 
-outcome<void> readListen(const QString &text, serverCommand &command)
+/// Reads ADDRESS:PORT, the argument of @p option.
+outcome<listenAddress> readAddress(const QCommandLineParser &parser,
+                                   const QCommandLineOption &option)
 {
+    const QString text = parser.value(option);
     const int colon = text.lastIndexOf(QLatin1Char(':'));
     const std::optional<int> port = wholeNumber(text.mid(colon + 1), 0, 65535);
-    if (colon <= 0 || !port)
-        return failure(QStringLiteral("--listen takes ADDRESS:PORT, not '%1'").arg(text));
-    command.address = text.left(colon).remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-    command.port = *port;
+    if (colon <= 0 || !port) {
+        return failure(
+            QStringLiteral("--%1 takes ADDRESS:PORT, not '%2'").arg(option.names().first(), text));
+    }
+    return listenAddress{text.left(colon).remove(QLatin1Char('[')).remove(QLatin1Char(']')), *port};
+}
+
+outcome<void> readAddresses(const QCommandLineParser &parser, serverCommand &command)
+{
+    outcome<listenAddress> read;
+    if (parser.isSet(listenOption)) {
+        read = readAddress(parser, listenOption);
+        if (!read)
+            return failure(read.error());
+        command.listen = *read;
+    }
+    if (parser.isSet(metricsOption)) {
+        read = readAddress(parser, metricsOption);
+        if (!read)
+            return failure(read.error());
+        command.metrics = *read;
+    }
     return {};
 }
 
@@ -145,8 +171,8 @@ outcome<void> readServeOptions(const QCommandLineParser &parser, serverCommand &
 {
     serverOptions &options = command.options;
     outcome<void> done = readProxies(parser, options);
-    if (done && parser.isSet(listenOption))
-        done = readListen(parser.value(listenOption), command);
+    if (done)
+        done = readAddresses(parser, command);
     if (done)
         done = readLimit(parser, uploadLimitOption, options.uploads, options.uploadPeriod);
     if (done)
@@ -202,7 +228,7 @@ QVector<optionOwners> allOptionOwners()
 {
     using command = serverCommand;
     return {
-        {{listenOption, uploadLimitOption, readLimitOption, connectionsOption,
+        {{listenOption, metricsOption, uploadLimitOption, readLimitOption, connectionsOption,
           connectionsOfOneOption, proxyOption},
          {command::serve}},
         {{circleOption, afreshOption, aboveOption}, {command::publish}},

@@ -9,6 +9,14 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
+/// Where to listen.
+struct listenAddress {
+    QString host; ///< an address, or a name
+    int port = 0; ///< 0 for a free one
+};
+
 /// What the arguments of fennick-server ask for.
 struct serverCommand {
     enum action {
@@ -25,9 +33,9 @@ struct serverCommand {
 
     action wanted = serve;
     serverOptions options;
-    QString address = QStringLiteral("127.0.0.1");
-    int port = 8426;
-    QString file;               ///< to import
+    listenAddress listen = {QStringLiteral("127.0.0.1"), 8426};
+    std::optional<listenAddress> metrics; ///< nowhere if absent
+    QString file;                         ///< to import
     bool isEndOptional = false; ///< imports an old export, which says nothing about its end
     operatorRequest request;
     publishOptions publishing;

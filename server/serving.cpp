@@ -3,6 +3,7 @@
 
 #include "console/standardStreams.h"
 #include "server/log.h"
+#include "server/metricsPage.h"
 #include "server/serverCommand.h"
 
 #include <boost/asio/signal_set.hpp>
@@ -85,6 +86,38 @@ outcome<void> checkDatabase(const databaseAddress &address)
     return store.open().and_then([&store] { return store.checkWritable(); });
 }
 
+QString placeOf(const listenAddress &wanted, int port)
+{
+    return QStringLiteral("%1:%2").arg(wanted.host, QString::number(port));
+}
+
+/// Has @p service listen. Where it does.
+template <typename Service> outcome<QString> listenAt(const listenAddress &wanted, Service &service)
+{
+    return service.listen(wanted.host.toStdString(), wanted.port)
+        .map([&](int port) { return placeOf(wanted, port); })
+        .map_error([&](const QString &reason) {
+            return QStringLiteral("cannot listen on %1; is something else listening there? (%2)")
+                .arg(placeOf(wanted, wanted.port), reason);
+        });
+}
+
+/// Has both listen, and says so. The page listens first: whoever reads that the server listens
+/// finds all of it.
+outcome<void> listenAndSay(const serverCommand &command, resultServer &server, metricsPage &page)
+{
+    QString said;
+    if (command.metrics) {
+        const outcome<QString> place = listenAt(*command.metrics, page);
+        if (!place)
+            return failure(place.error());
+        said = QStringLiteral("Metrics on %1\n").arg(*place);
+    }
+    return listenAt(command.listen, server).map([&said](const QString &place) {
+        writeText(said + QStringLiteral("Listening on %1\n").arg(place), stdout);
+    });
+}
+
 } // namespace
 
 exitCode runServer(const serverCommand &command)
@@ -97,14 +130,9 @@ exitCode runServer(const serverCommand &command)
     asio::io_context loop(1);
     resultServer server(loop, command.options);
     const endingSignals ending(loop, server);
-    const outcome<int> port = server.listen(command.address.toStdString(), command.port);
-    if (!port) {
-        return failed(QStringLiteral("cannot listen on %1:%2; is something else listening there? "
-                                     "(%3)")
-                          .arg(command.address, QString::number(command.port), port.error()));
-    }
-    writeText(QStringLiteral("Listening on %1:%2\n").arg(command.address, QString::number(*port)),
-              stdout);
+    metricsPage page(loop, [&server] { return server.metricsText(); });
+    if (const outcome<void> isListening = listenAndSay(command, server, page); !isListening)
+        return failed(isListening.error());
     loop.run();
     if (!server.finish(longestDatabaseFinish)) {
         writeLog(QStringLiteral("ended while the database does not answer"));

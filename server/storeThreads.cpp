@@ -15,21 +15,30 @@ constexpr std::ptrdiff_t largestBatch = 500;
 /// Whoever has waited so long has been told that the database does not answer.
 constexpr auto longestWait = std::chrono::seconds(6);
 
-/// Does @p work on @p store. If that fails it is tried once more on a new connection: the database
-/// may have been restarted.
-template <typename Work> auto twice(resultStore &store, const Work &work) -> decltype(work())
-{
-    auto done = store.open().and_then(work);
-    if (done)
-        return done;
-    writeLog(QStringLiteral("trying again after: %1").arg(done.error()));
-    store.close();
-    return store.open().and_then(work);
-}
+/// So long an answer about writing holds for others too: each try makes the disk write.
+constexpr auto checkAge = std::chrono::seconds(1);
 
 } // namespace
 
-storeThreads::storeThreads(const databaseAddress &address) : place(address), running(2)
+template <typename Work>
+auto storeThreads::twice(resultStore &store, work kind, const Work &what) -> decltype(what())
+{
+    auto done = store.open().and_then(what);
+    if (done)
+        return done;
+    hasFailed(kind);
+    writeLog(QStringLiteral("trying again after: %1").arg(done.error()));
+    store.close();
+    done = store.open().and_then(what);
+    if (!done)
+        hasFailed(kind);
+    return done;
+}
+
+storeThreads::storeThreads(const databaseAddress &address, failureTaker failed)
+    : place(address),
+      hasFailed(failed ? std::move(failed) : [](work) {}),
+      running(2)
 {
     threads.emplace_back([this] { serveReads(); });
     threads.emplace_back([this] { serveWrites(); });
@@ -76,21 +85,37 @@ void storeThreads::read(readJob job)
             return;
         }
     }
-    job(nullptr);
+    job(nullptr, nullptr);
 }
 
 void storeThreads::newestVersion(versionTaker take)
 {
-    read([take = std::move(take)](const newestLists *found) {
+    read([take = std::move(take)](const newestLists *found, resultStore *) {
         take(found ? std::make_optional(found->version) : std::nullopt);
     });
 }
 
 void storeThreads::newestList(bool isBeta, listTaker take)
 {
-    read([isBeta, take = std::move(take)](const newestLists *found) {
+    read([isBeta, take = std::move(take)](const newestLists *found, resultStore *) {
         take(found ? std::make_optional(isBeta ? found->beta : found->normal) : std::nullopt);
     });
+}
+
+void storeThreads::countUploads(countTaker take)
+{
+    read([this, take = std::move(take)](const newestLists *, resultStore *from) {
+        outcome<uploadCounts> counts = failure(QString());
+        if (from)
+            counts = twice(*from, work::reading, [from] { return from->countUploads(); });
+        take(counts ? std::make_optional(*counts) : std::nullopt);
+    });
+}
+
+storeThreads::backlog storeThreads::waiting()
+{
+    const std::lock_guard lock(mutex);
+    return {reads.size(), writes.size(), checks.size()};
 }
 
 void storeThreads::add(storedUpload upload, resultTaker take)
@@ -144,11 +169,11 @@ void storeThreads::serveReads()
         std::vector<readJob> batch;
         batch.swap(reads);
         lock.unlock();
-        const outcome<void> isRead = twice(store, refresh);
+        const outcome<void> isRead = twice(store, work::reading, refresh);
         if (!isRead)
             writeLog(QStringLiteral("not read: %1").arg(isRead.error()));
         for (const readJob &job : batch)
-            job(isRead ? &newest : nullptr);
+            isRead ? job(&newest, &store) : job(nullptr, nullptr);
         lock.lock();
     }
     lock.unlock();
@@ -159,6 +184,8 @@ void storeThreads::serveReads()
 void storeThreads::serveWrites()
 {
     resultStore to(place);
+    outcome<void> isWritable;
+    clock::time_point nextCheck;
     std::unique_lock lock(mutex);
     while (true) {
         writesChanged.wait(lock, [this] { return isEnding || !writes.empty() || !checks.empty(); });
@@ -174,9 +201,12 @@ void storeThreads::serveWrites()
         lock.unlock();
         store(to, std::move(batch));
         if (!asked.empty()) {
-            const outcome<void> isWritable = twice(to, [&to] { return to.checkWritable(); });
-            if (!isWritable)
-                writeLog(QStringLiteral("no upload can be stored: %1").arg(isWritable.error()));
+            if (clock::now() >= nextCheck) {
+                isWritable = twice(to, work::writing, [&to] { return to.checkWritable(); });
+                nextCheck = clock::now() + checkAge;
+                if (!isWritable)
+                    writeLog(QStringLiteral("no upload can be stored: %1").arg(isWritable.error()));
+            }
             for (const resultTaker &take : asked)
                 take(isWritable.has_value());
         }
@@ -200,7 +230,7 @@ void storeThreads::store(resultStore &to, std::vector<writeJob> batch)
     QVector<storedUpload> uploads;
     for (const writeJob &job : batch)
         uploads.append(job.upload);
-    const outcome<void> areStored = twice(to, [&] { return to.add(uploads); });
+    const outcome<void> areStored = twice(to, work::writing, [&] { return to.add(uploads); });
     if (!areStored && batch.size() > 1) {
         // One that the database refuses must not cost the rest of its batch.
         for (writeJob &job : batch)

@@ -25,7 +25,12 @@ public:
     /// The longest backlog of reads and of writes; what comes beyond it fails.
     static constexpr std::size_t maximumBacklog = 2'000;
 
-    explicit storeThreads(const databaseAddress &address);
+    /// What a thread does with the database.
+    enum class work { reading, writing };
+    /// Called on either thread each time that the database has failed.
+    using failureTaker = std::function<void(work)>;
+
+    explicit storeThreads(const databaseAddress &address, failureTaker failed = {});
     storeThreads(const storeThreads &) = delete;
     storeThreads &operator=(const storeThreads &) = delete;
     /// Works off the backlog, then ends the threads, however long that takes.
@@ -37,16 +42,27 @@ public:
 
     /// Gets nothing if the database does not answer.
     using versionTaker = std::function<void(std::optional<int>)>;
+    using countTaker = std::function<void(std::optional<uploadCounts>)>;
     using listTaker = std::function<void(std::optional<storedList>)>;
     /// Gets whether it has worked.
     using resultTaker = std::function<void(bool)>;
 
     void newestVersion(versionTaker take);
     void newestList(bool isBeta, listTaker take);
+    /// How many uploads are in each state.
+    void countUploads(countTaker take);
     /// True when @p upload is durable.
     void add(storedUpload upload, resultTaker take);
-    /// Whether an upload could be stored now.
+    /// Whether an upload could be stored now, or a moment ago.
     void checkWritable(resultTaker take);
+
+    /// How many wait for the database.
+    struct backlog {
+        std::size_t reads = 0;
+        std::size_t writes = 0;
+        std::size_t checks = 0;
+    };
+    backlog waiting();
 
 private:
     using clock = std::chrono::steady_clock;
@@ -57,7 +73,8 @@ private:
         storedList normal;
         storedList beta;
     };
-    using readJob = std::function<void(const newestLists *)>;
+    /// Gets nothing if the database does not answer.
+    using readJob = std::function<void(const newestLists *, resultStore *)>;
     struct writeJob {
         storedUpload upload;
         resultTaker take;
@@ -68,9 +85,14 @@ private:
     void serveReads();
     void serveWrites();
     void store(resultStore &to, std::vector<writeJob> batch);
+    /// Does @p what on @p store. If that fails it is tried once more on a new connection: the
+    /// database may have been restarted.
+    template <typename Work>
+    auto twice(resultStore &store, work kind, const Work &what) -> decltype(what());
     void hasEnded();
 
     databaseAddress place;
+    failureTaker hasFailed;
     std::mutex mutex;
     std::condition_variable readsChanged;
     std::condition_variable writesChanged;

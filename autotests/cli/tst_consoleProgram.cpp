@@ -2,7 +2,7 @@
 #include "cli/consoleRunner.h"
 
 #include "support/dataDirectory.h"
-#include "support/fakeServer.h"
+#include "support/tlsServer.h"
 
 #include <QProcess>
 #include <QtTest>
@@ -64,6 +64,7 @@ private slots:
     void programRunsATest();
     void programAsksTheServer();
     void programIsInterrupted_data();
+    void programTellsOfDistrust();
     void programIsInterrupted();
     void secondInterruptEndsTheProgram();
     void ignoredInterruptsStayIgnored();
@@ -163,6 +164,31 @@ void tst_consoleProgram::programAsksTheServer()
     QCOMPARE(server.requests.size(), 1);
     QVERIFY(
         process.readAllStandardOutput().contains("Online database has version 1 (local 1010)\n"));
+}
+
+/// Of a server with a certificate that nobody has signed.
+void tst_consoleProgram::programTellsOfDistrust()
+{
+    if (!certificateMaker::isPossible())
+        QSKIP("there is no TLS here, or no openssl to make certificates");
+    certificateMaker certificates;
+    const fakeServer server(
+        sending(httpReply("1")),
+        std::make_unique<tlsListener>(certificates.untrusted(QStringLiteral("IP:127.0.0.1"))));
+    QProcess process;
+    process.start(QStringLiteral(FENNICK_CLI),
+                  {QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
+                   QStringLiteral("--resolution=320x240"),
+                   QStringLiteral("--server=https://%1").arg(server.host())});
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 120'000);
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY(server.connections > 0 && server.requests.isEmpty());
+    QVERIFY(process.readAllStandardOutput().contains("No online database found\n"));
+    const QByteArray error = process.readAllStandardError();
+    QVERIFY2(error.contains("fennick-cli: the online database refuses: the certificate of "
+                            "127.0.0.1 is not trusted: "),
+             error.constData());
+    QCOMPARE(error.count("certificate"), 1);
 }
 
 void tst_consoleProgram::programIsInterrupted_data()

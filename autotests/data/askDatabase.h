@@ -22,10 +22,9 @@ struct outcome {
     qint64 ms = 0;
 };
 
-inline outcome ask(const fakeServer &server, int requested, int timeOut,
-                   const QByteArray &data = "in")
+inline outcome ask(const QString &server, int requested, int timeOut, const QByteArray &data = "in")
 {
-    httpDatabase database(server.host(), {timeOut, timeOut});
+    httpDatabase database(server, {timeOut, timeOut});
     outcome result;
     result.data = data;
     QElapsedTimer timer;
@@ -34,4 +33,10 @@ inline outcome ask(const fakeServer &server, int requested, int timeOut,
     result.ms = timer.elapsed();
     result.refusal = database.refusal();
     return result;
+}
+
+inline outcome ask(const fakeServer &server, int requested, int timeOut,
+                   const QByteArray &data = "in")
+{
+    return ask(server.host(), requested, timeOut, data);
 }

@@ -178,23 +178,46 @@ void tst_httpDatabase::noProxy()
 void tst_httpDatabase::hosts_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("isHost");
-    const auto rows = [](std::initializer_list<const char *> texts, bool isHost) {
+    QTest::addColumn<bool>("isServer");
+    const auto rows = [](std::initializer_list<const char *> texts, bool isServer) {
         for (const char *text : texts)
-            QTest::addRow("'%s'", text) << QString::fromUtf8(text) << isHost;
+            QTest::addRow("'%s'", text) << QString::fromUtf8(text) << isServer;
     };
     rows({"localhost", "localhost:8426", "a.example.org", "1.2.3.4:5", "[::1]:80",
-          "Ä.example:65535"},
+          "Ä.example:65535", "https://a", "https://a.example:8443", "https://[::1]"},
          true);
-    rows({"", ":", ":80", "a:", "a:0", "a:65536", "a:b", "a/", "a/b", "a:1/b", "u@a", "u:p@a",
-          "http://a", "a?b", "a#b", "a b", " a", "[::1"},
+    rows({"",
+          ":",
+          ":80",
+          "a:",
+          "a:0",
+          "a:65536",
+          "a:b",
+          "a/",
+          "a/b",
+          "a:1/b",
+          "u@a",
+          "u:p@a",
+          "http://a",
+          "a?b",
+          "a#b",
+          "a b",
+          " a",
+          "[::1",
+          "https://",
+          "https://a/",
+          "https://u@a",
+          "https://a:0",
+          "https://https://a",
+          "HTTPS://a",
+          "ftp://a"},
          false);
 }
 
 void tst_httpDatabase::hosts()
 {
     QFETCH(QString, text);
-    QTEST(httpDatabase::isHost(text), "isHost");
+    QTEST(httpDatabase::isServer(text), "isServer");
 }
 
 void tst_httpDatabase::noHost()
@@ -207,7 +230,7 @@ void tst_httpDatabase::noHost()
 void tst_httpDatabase::defaultHost()
 {
     QCOMPARE(httpDatabase::defaultHost(), QStringLiteral(FENNICK_EXPECTED_RESULT_HOST));
-    QVERIFY(httpDatabase::isHost(httpDatabase::defaultHost()));
+    QVERIFY(httpDatabase::isServer(httpDatabase::defaultHost()));
 }
 
 QTEST_GUILESS_MAIN(tst_httpDatabase)

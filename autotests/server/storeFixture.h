@@ -11,7 +11,10 @@
 #include <memory>
 #include <optional>
 
-/// New databases of both products, for tests with one row for each.
+/// New databases of both products, for tests with one row for each. A test class has one, and
+/// begins a database for each of its functions:
+///
+///     void init() { QVERIFY2(fixture.begin(), qPrintable(fixture.error())); }
 class storeFixture
 {
 public:
@@ -25,30 +28,33 @@ public:
     /// What is wrong with the PostgreSQL server, if anything is.
     const QString &error() const { return postgres.lastOutput; }
 
-    /// A new, empty database of the product that the row of data names, of SQLite if of none.
-    void begin() { begin(QByteArray(QTest::currentDataTag()) != "PostgreSQL"); }
+    /// A new, empty database of the product that the row of data names, of SQLite if of none. False
+    /// if there is an error().
+    bool begin() { return begin(QByteArray(QTest::currentDataTag()) != "PostgreSQL"); }
     /// A new, empty database of this product.
-    void begin(bool isSqlite)
+    bool begin(bool isSqlite)
     {
         if (isSqlite)
             beginSqlite();
         else
             beginPostgres();
+        return error().isEmpty();
     }
     /// The same with the results that the first released server stored: published ones, one with
     /// nothing but zeros, one of an unknown processor, withdrawn ones, and one after publishing. @p
     /// files is the folder with them.
-    void beginWithSchema1(const QString &folder)
+    bool beginWithSchema1(const QString &folder)
     {
         if (QByteArray(QTest::currentDataTag()) == "PostgreSQL") {
             place = postgres.newDatabase(folder + QStringLiteral("/results.sql"));
-            return;
+            return error().isEmpty();
         }
         begin();
         const QString file = address().name;
         QDir().mkpath(QFileInfo(file).path());
         QFile::copy(folder + QStringLiteral("/results.sqlite"), file);
         QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+        return error().isEmpty();
     }
     void beginSqlite()
     {
@@ -58,6 +64,9 @@ public:
     void beginPostgres() { place = postgres.newDatabase(); }
 
     databaseAddress address() const { return *parseDatabaseAddress(place); }
+    /// The same as the programs take it.
+    const QString &text() const { return place; }
+    bool isSqlite() const { return address().product == databaseAddress::sqlite; }
 
     postgresServer postgres;
 

@@ -45,13 +45,7 @@ class tst_database : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
-    void init() { fixture->begin(); }
+    void init() { QVERIFY2(fixture.begin(), qPrintable(fixture.error())); }
 
     void filesAreForTheOwner();
     void foldersStayAsTheyAre();
@@ -80,7 +74,7 @@ private slots:
     void readOnly();
 
 private:
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
     QTemporaryDir directory;
 };
 
@@ -139,15 +133,15 @@ void tst_database::readingMakesNothing()
 void tst_database::readingChangesNothing()
 {
     {
-        resultStore reader(fixture->address(), databaseUse::reading);
+        resultStore reader(fixture.address(), databaseUse::reading);
         const QString error = why(reader.open());
         QVERIFY2(error == QStringLiteral("there are no results in this database")
                      || error.startsWith(QStringLiteral("there is no file")),
                  qPrintable(error));
-        resultStore writer(fixture->address());
+        resultStore writer(fixture.address());
         QVERIFY(writer.open() && writer.add({numbered(1)}));
     }
-    resultStore reader(fixture->address(), databaseUse::reading);
+    resultStore reader(fixture.address(), databaseUse::reading);
     QCOMPARE(why(reader.open()), QString());
     QVERIFY(!reader.add({numbered(2)}));
     QVERIFY(!reader.checkWritable());
@@ -158,15 +152,15 @@ void tst_database::readingChangesNothing()
 void tst_database::errorsInTheMiddle()
 {
     {
-        resultStore store(fixture->address());
+        resultStore store(fixture.address());
         QVERIFY(store.open());
         QVector<storedUpload> all;
         for (int i = 1; i <= 600; ++i)
             all.append(numbered(i));
         QVERIFY(store.add(all));
     }
-    QVERIFY(damage(fixture->address().name));
-    resultStore store(fixture->address(), databaseUse::reading);
+    QVERIFY(damage(fixture.address().name));
+    resultStore store(fixture.address(), databaseUse::reading);
     QCOMPARE(why(store.open()), QString());
     int uploads = 0;
     const auto done = store.forEachUpload([&uploads](const storedUpload &) { ++uploads; });
@@ -177,9 +171,9 @@ void tst_database::errorsInTheMiddle()
 
 void tst_database::connectionLostInTheMiddle()
 {
-    fixture->beginPostgres();
-    resultStore store(fixture->address());
-    resultStore other(fixture->address());
+    fixture.beginPostgres();
+    resultStore store(fixture.address());
+    resultStore other(fixture.address());
     QVERIFY(store.open() && other.open());
     QVERIFY(store.connection().change(
         QStringLiteral("INSERT INTO lists SELECT n, 0, 0, decode(repeat('00', 5000), 'hex')"
@@ -200,9 +194,9 @@ void tst_database::connectionLostInTheMiddle()
 
 void tst_database::writersWaitForEachOther()
 {
-    databaseAddress impatient = fixture->address();
+    databaseAddress impatient = fixture.address();
     impatient.lockTimeout = 1;
-    resultStore first(fixture->address());
+    resultStore first(fixture.address());
     resultStore second(impatient);
     QVERIFY(first.open() && second.open());
     bool isShutOut = false;
@@ -217,9 +211,9 @@ void tst_database::writersWaitForEachOther()
 
 void tst_database::locksAreNotWaitedForEver()
 {
-    databaseAddress place = fixture->address();
+    databaseAddress place = fixture.address();
     place.lockTimeout = 50;
-    resultStore holder(fixture->address());
+    resultStore holder(fixture.address());
     resultStore store(place);
     QVERIFY(holder.open() && store.open());
     const auto held = holder.connection().write([&]() -> outcome<void> {
@@ -234,8 +228,8 @@ void tst_database::locksAreNotWaitedForEver()
 
 void tst_database::statementsEnd()
 {
-    fixture->beginPostgres();
-    databaseAddress place = fixture->address();
+    fixture.beginPostgres();
+    databaseAddress place = fixture.address();
     place.statementTimeout = 50;
     database db(place, databaseUse::serving);
     QVERIFY(db.open());
@@ -247,7 +241,7 @@ void tst_database::statementsEnd()
 
 void tst_database::errorsQuoteNothing()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture.address());
     QVERIFY(store.open());
     storedUpload wrong = stored(machineWith(QStringLiteral("SECRET"), QStringLiteral("c"), 1));
     wrong.state = QStringLiteral("lost");
@@ -278,7 +272,7 @@ void tst_database::limits()
 {
     QFETCH(int, use);
     QFETCH(QString, query);
-    const QString address = fixture->postgres.newDatabase() + query;
+    const QString address = fixture.postgres.newDatabase() + query;
     database db(*parseDatabaseAddress(address), static_cast<databaseUse>(use));
     QCOMPARE(why(db.open()), QString());
     QString found;
@@ -292,9 +286,9 @@ void tst_database::limits()
 
 void tst_database::openingNeedsNoLock()
 {
-    databaseAddress place = fixture->address();
+    databaseAddress place = fixture.address();
     place.lockTimeout = 1;
-    resultStore holder(fixture->address());
+    resultStore holder(fixture.address());
     QVERIFY(holder.open());
     const auto held = holder.connection().write([&]() -> outcome<void> {
         resultStore other(place);
@@ -305,9 +299,9 @@ void tst_database::openingNeedsNoLock()
 
 void tst_database::snapshots()
 {
-    databaseAddress impatient = fixture->address();
+    databaseAddress impatient = fixture.address();
     impatient.lockTimeout = 1;
-    resultStore reader(fixture->address());
+    resultStore reader(fixture.address());
     resultStore writer(impatient);
     QVERIFY(reader.open() && writer.open() && writer.add({numbered(1)}));
     const auto seen = reader.connection().snapshot([&]() -> outcome<int> {
@@ -323,7 +317,7 @@ void tst_database::snapshots()
 
 void tst_database::writable()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture.address());
     QVERIFY(store.open() && store.add({numbered(1)}));
     QCOMPARE(why(store.checkWritable()), QString());
     QCOMPARE(uploadsIn(store).size(), 1);
@@ -337,7 +331,7 @@ void tst_database::writable()
 
 void tst_database::fullDisk()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture.address());
     QVERIFY(store.open() && store.add({numbered(1)}));
     // As when no page can be added to the file.
     const qint64 pages = store.connection().number(QStringLiteral("PRAGMA page_count")).value_or(0);
@@ -352,9 +346,9 @@ void tst_database::fullDisk()
 
 void tst_database::readOnly()
 {
-    fixture->beginPostgres();
-    QVERIFY(resultStore(fixture->address()).open());
-    resultStore store(fixture->address());
+    fixture.beginPostgres();
+    QVERIFY(resultStore(fixture.address()).open());
+    resultStore store(fixture.address());
     QVERIFY(store.open());
     QVERIFY(store.connection().change(QStringLiteral("SET default_transaction_read_only = on")));
     const auto checked = store.checkWritable();

@@ -35,13 +35,7 @@ class tst_importExport : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
-    void init() { fixture->begin(); }
+    void init() { QVERIFY2(fixture.begin(), qPrintable(fixture.error())); }
 
     void exportAndImport_data() { storeFixture::addProducts(); }
     void exportAndImport();
@@ -63,12 +57,12 @@ private:
     /// Whether nothing has come of importing @p xml into an empty store; else a sentence.
     QString importedInVain(const QByteArray &xml);
 
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
 };
 
 void tst_importExport::exportAndImport()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(
         store.add({numbered(0), numbered(1), numbered(2),
@@ -98,7 +92,7 @@ void tst_importExport::exportAndImport()
 
 void tst_importExport::importOfAList()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     const QByteArray list = "<Fennick>\r\n"
                             "<bench machineName=\"A (est.)\" os=\"linux\" cpu=\"a\" clock=\"1\" "
@@ -120,8 +114,8 @@ void tst_importExport::importOfAList()
 
 QString tst_importExport::importedInVain(const QByteArray &xml)
 {
-    fixture->begin();
-    resultStore empty(fixture->address());
+    fixture.begin();
+    resultStore empty(fixture.address());
     if (const auto isOpen = empty.open(); !isOpen)
         return isOpen.error();
     const auto report = import(empty, xml);
@@ -135,7 +129,7 @@ void tst_importExport::brokenImports()
     const QByteArray good = "<Fennick><bench machineName=\"x\" os=\"linux\" cpu=\"A CPU\" "
                             "clock=\"1\" threadCount=\"1\"><test name=\"mandel\" "
                             "result=\"9\"/></bench></Fennick>";
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(import(store, good));
     QCOMPARE(uploadsIn(store).size(), 1);
@@ -190,7 +184,7 @@ void tst_importExport::changedExports_data()
 
 void tst_importExport::changedExports()
 {
-    fixture->begin();
+    fixture.begin();
     QTemporaryDir directory;
     resultStore store(*parseDatabaseAddress(QStringLiteral("sqlite:")
                                             + directory.filePath(QStringLiteral("a.db"))));
@@ -269,7 +263,7 @@ void tst_importExport::oldExport()
 {
     QFile file(QStringLiteral(FENNICK_SCHEMA_1) + QStringLiteral("/results.xml"));
     QVERIFY(file.open(QIODevice::ReadOnly));
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     const auto refused = importFrom(file, store, {now});
@@ -283,8 +277,9 @@ void tst_importExport::oldExport()
     QCOMPARE(report->lists, 2);
 
     // The same as from the database that it is an export of.
-    fixture->beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1));
-    resultStore migrated(fixture->address());
+    QVERIFY2(fixture.beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1)),
+             qPrintable(fixture.error()));
+    resultStore migrated(fixture.address());
     QCOMPARE(why(migrated.open()), QString());
     const QVector<storedUpload> expected = uploadsIn(migrated);
     const QVector<storedUpload> imported = uploadsIn(store);
@@ -300,7 +295,7 @@ void tst_importExport::oldExport()
 void tst_importExport::incompleteExport()
 {
     // Wherever it ends, it is not taken for whole.
-    fixture->begin();
+    fixture.begin();
     QTemporaryDir directory;
     resultStore store(*parseDatabaseAddress(QStringLiteral("sqlite:")
                                             + directory.filePath(QStringLiteral("a.db"))));
@@ -321,7 +316,7 @@ void tst_importExport::incompleteExport()
 
 void tst_importExport::damagedUpload()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.restore({numbered(1), numbered(2)}, {}));
     QVERIFY(store.connection().change(QStringLiteral(

@@ -45,18 +45,12 @@ class tst_moderation : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
     void init()
     {
         if (QByteArray(QTest::currentTestFunction()) == "numbers")
             return; // which needs no database
-        fixture->begin();
-        store = std::make_unique<resultStore>(fixture->address(), databaseUse::operating);
+        QVERIFY2(fixture.begin(), qPrintable(fixture.error()));
+        store = std::make_unique<resultStore>(fixture.address(), databaseUse::operating);
         QVERIFY(store->open());
     }
     void cleanup() { store.reset(); }
@@ -118,7 +112,7 @@ private:
         return isRead ? lines.join(QLatin1Char('\n')) : isRead.error();
     }
 
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
     std::unique_ptr<resultStore> store;
 };
 
@@ -223,7 +217,7 @@ void tst_moderation::forgottenOnTheDisk_data()
 /// The file itself knows nothing of the name any more.
 void tst_moderation::forgottenOnTheDisk()
 {
-    const databaseAddress place = fixture->address();
+    const databaseAddress place = fixture.address();
     const auto isOnTheDisk = [&place] {
         QFile file(place.name);
         return file.open(QIODevice::ReadOnly) && file.readAll().contains("ALICE");

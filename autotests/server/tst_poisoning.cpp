@@ -66,16 +66,10 @@ class tst_poisoning : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
     void init()
     {
-        fixture->begin();
-        store = std::make_unique<resultStore>(fixture->address(), databaseUse::operating);
+        QVERIFY2(fixture.begin(), qPrintable(fixture.error()));
+        store = std::make_unique<resultStore>(fixture.address(), databaseUse::operating);
         QVERIFY(store->open());
     }
     void cleanup() { store.reset(); }
@@ -138,7 +132,7 @@ private:
     }
 
     const QVector<benchResults> builtIn = builtInMachines();
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
     std::unique_ptr<resultStore> store;
 };
 

@@ -86,13 +86,7 @@ class tst_publication : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
-    void init() { fixture->begin(); }
+    void init() { QVERIFY2(fixture.begin(), qPrintable(fixture.error())); }
 
     void nothingToPublish_data() { storeFixture::addProducts(); }
     void nothingToPublish();
@@ -131,12 +125,12 @@ private slots:
     void afterAMigration();
 
 private:
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
 };
 
 void tst_publication::nothingToPublish()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     const auto report = publishIn(store);
     QCOMPARE(why(report), QString());
@@ -151,7 +145,7 @@ void tst_publication::nothingToPublish()
 
 void tst_publication::versionsAndStates()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3) + QVector<storedUpload>{numbered(0), runOf(cpuB, 9)}));
     const auto first = publishIn(store);
@@ -175,7 +169,7 @@ void tst_publication::versionsAndStates()
 
 void tst_publication::nothingNew()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     QVERIFY(publishIn(store)->isNew);
@@ -194,7 +188,7 @@ void tst_publication::nothingNew()
 
 void tst_publication::withdrawn()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3) + runsOf(cpuB, 1, 1)));
     QVERIFY(publishIn(store)->isNew);
@@ -215,7 +209,7 @@ void tst_publication::withdrawn()
 
 void tst_publication::otherRules()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 1)));
     publishOptions circle;
@@ -239,7 +233,7 @@ void tst_publication::ordersAndProducts()
         const QString sqlite =
             QStringLiteral("sqlite:") + directory->filePath(QStringLiteral("%1.db").arg(i));
         resultStore store(
-            *parseDatabaseAddress(i % 5 == 4 ? fixture->postgres.newDatabase() : sqlite));
+            *parseDatabaseAddress(i % 5 == 4 ? fixture.postgres.newDatabase() : sqlite));
         QCOMPARE(why(store.open()), QString());
         // In several parts, with a publication in between.
         const int middle = uploads.size() * i / 10;
@@ -260,7 +254,7 @@ void tst_publication::ordersAndProducts()
 
 void tst_publication::stepByStepIsLikeAfresh()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     const QVector<storedUpload> uploads = aLot();
     for (int i = 0; i < uploads.size(); i += 40) {
@@ -280,9 +274,9 @@ void tst_publication::stepByStepIsLikeAfresh()
 
 void tst_publication::uploadsMeanwhile()
 {
-    databaseAddress impatient = fixture->address();
+    databaseAddress impatient = fixture.address();
     impatient.lockTimeout = 1; // whoever publishes must not hold the lock between its steps
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     resultStore other(impatient);
     QVERIFY(store.open() && other.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
@@ -310,8 +304,8 @@ void tst_publication::uploadsMeanwhile()
 
 void tst_publication::withdrawnMeanwhile()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
-    resultStore other(fixture->address());
+    resultStore store(fixture.address(), databaseUse::operating);
+    resultStore other(fixture.address());
     QVERIFY(store.open() && other.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 4)));
     const qint64 id = uploadsIn(store).first().id;
@@ -333,15 +327,15 @@ void tst_publication::interrupted()
 {
     // After any of its steps, the next one goes on where it was.
     for (int steps = 1;; ++steps) {
-        fixture->begin();
-        resultStore store(fixture->address(), databaseUse::operating);
+        fixture.begin();
+        resultStore store(fixture.address(), databaseUse::operating);
         QVERIFY(store.open());
         QVERIFY(store.add(runsOf(cpuA, 1, 3)));
         QVERIFY(publishIn(store)->isNew);
         QVERIFY(store.add(runsOf(cpuB, 1, 3)));
         bool isInterrupted = false;
         {
-            resultStore dying(fixture->address());
+            resultStore dying(fixture.address());
             QVERIFY(dying.open());
             const QVector<benchResults> builtIn = builtInMachines();
             publication publishing(dying, builtIn, {});
@@ -366,8 +360,8 @@ void tst_publication::interrupted()
 
 void tst_publication::twoAtOnce()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
-    resultStore other(fixture->address());
+    resultStore store(fixture.address(), databaseUse::operating);
+    resultStore other(fixture.address());
     QVERIFY(store.open() && other.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     const QVector<benchResults> builtIn = builtInMachines();
@@ -387,10 +381,10 @@ void tst_publication::twoAtOnce()
 
 void tst_publication::writeLockHeld()
 {
-    databaseAddress impatient = fixture->address();
+    databaseAddress impatient = fixture.address();
     impatient.lockTimeout = 100;
     resultStore store(impatient);
-    resultStore holder(fixture->address());
+    resultStore holder(fixture.address());
     QVERIFY(store.open() && holder.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     const auto held = holder.connection().write([&]() -> outcome<void> {
@@ -403,7 +397,7 @@ void tst_publication::writeLockHeld()
 
 void tst_publication::damagedUpload()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     QVERIFY(store.connection().change(
@@ -414,7 +408,7 @@ void tst_publication::damagedUpload()
 
 void tst_publication::noVersionLeft()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     QVERIFY(addLists(store, 2'147'483'647));
@@ -424,7 +418,7 @@ void tst_publication::noVersionLeft()
 
 void tst_publication::oldSourceKeys()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     for (const int number : {100, 101}) {
         QVERIFY(store.connection().change(QStringLiteral("INSERT INTO source_keys VALUES (?, ?)"),
@@ -439,7 +433,7 @@ void tst_publication::oldSourceKeys()
 
 void tst_publication::preview()
 {
-    resultStore store(fixture->address(), databaseUse::operating);
+    resultStore store(fixture.address(), databaseUse::operating);
     QVERIFY(store.open());
     QVERIFY(!previewIn(store)->isNew);
     QVERIFY(store.add(runsOf(cpuA, 1, 3) + runsOf(cpuB, 1, 1)));
@@ -464,11 +458,11 @@ void tst_publication::preview()
 void tst_publication::previewWritesNothing()
 {
     {
-        resultStore store(fixture->address(), databaseUse::operating);
+        resultStore store(fixture.address(), databaseUse::operating);
         QVERIFY(store.open());
         QVERIFY(store.add(runsOf(cpuA, 1, 3)));
     }
-    resultStore reader(fixture->address(), databaseUse::reading);
+    resultStore reader(fixture.address(), databaseUse::reading);
     QCOMPARE(why(reader.open()), QString());
     QVERIFY(previewIn(reader)->isNew);
     QVERIFY(!publishIn(reader));
@@ -478,8 +472,9 @@ void tst_publication::previewWritesNothing()
 
 void tst_publication::afterAMigration()
 {
-    fixture->beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1));
-    resultStore store(fixture->address(), databaseUse::operating);
+    QVERIFY2(fixture.beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1)),
+             qPrintable(fixture.error()));
+    resultStore store(fixture.address(), databaseUse::operating);
     QCOMPARE(why(store.open()), QString());
     publishOptions circle;
     circle.rules = ruleSet::circle;

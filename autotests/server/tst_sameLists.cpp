@@ -86,13 +86,12 @@ private:
 void tst_sameLists::anyOrder()
 {
     storeFixture fixture;
-    QVERIFY2(fixture.error().isEmpty(), qPrintable(fixture.error()));
     QVector<storedUpload> uploads = allUploads();
     QByteArrayList wanted;
     std::mt19937 random(1);
     for (int order = 0; order < orders; ++order) {
         for (const bool isSqlite : {true, false}) {
-            fixture.begin(isSqlite);
+            QVERIFY2(fixture.begin(isSqlite), qPrintable(fixture.error()));
             resultStore store(fixture.address(), databaseUse::operating);
             QVERIFY(store.open());
             // In the first order all at once, later also with publications in between.

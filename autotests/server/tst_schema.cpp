@@ -60,16 +60,10 @@ class tst_schema : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
     void init()
     {
-        fixture->beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1));
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
+        QVERIFY2(fixture.beginWithSchema1(QStringLiteral(FENNICK_SCHEMA_1)),
+                 qPrintable(fixture.error()));
     }
 
     void keepsEverything_data() { storeFixture::addProducts(); }
@@ -80,6 +74,8 @@ private slots:
     void sameTablesAsNewOnes();
     void isUndoneAndTriedAgain_data() { storeFixture::addProducts(); }
     void isUndoneAndTriedAgain();
+    void fromTheSecond_data() { storeFixture::addProducts(); }
+    void fromTheSecond();
     void severalAtOnce_data() { storeFixture::addProducts(); }
     void severalAtOnce();
     void readersDoNotMigrate_data() { storeFixture::addProducts(); }
@@ -88,12 +84,12 @@ private slots:
     void newerSchema();
 
 private:
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
 };
 
 void tst_schema::keepsEverything()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture.address());
     QCOMPARE(why(store.open()), QString());
     const QStringList expected = {
         QStringLiteral("1 published 18 full "),
@@ -124,7 +120,7 @@ void tst_schema::keepsEverything()
 
 void tst_schema::groupsAndChanges()
 {
-    resultStore store(fixture->address());
+    resultStore store(fixture.address());
     QCOMPARE(why(store.open()), QString());
     qint64 change = 0;
     for (const storedUpload &upload : uploadsIn(store)) {
@@ -142,16 +138,16 @@ void tst_schema::groupsAndChanges()
 
 void tst_schema::sameTablesAsNewOnes()
 {
-    const bool isSqlite = fixture->address().product == databaseAddress::sqlite;
     const QString sql =
-        isSqlite ? QStringLiteral("SELECT type || ' ' || name || ' ' || coalesce(sql, '') FROM"
-                                  " sqlite_master ORDER BY 1")
-                 : QStringLiteral(
-                     "SELECT concat_ws(' ', table_name, column_name, data_type, is_nullable,"
-                     " column_default, collation_name) FROM information_schema.columns WHERE"
-                     " table_schema = 'public' UNION ALL SELECT indexdef FROM pg_indexes WHERE"
-                     " schemaname = 'public' UNION ALL SELECT pg_get_constraintdef(oid) FROM"
-                     " pg_constraint WHERE connamespace = 'public'::regnamespace ORDER BY 1");
+        fixture.isSqlite()
+            ? QStringLiteral("SELECT type || ' ' || name || ' ' || coalesce(sql, '') FROM"
+                             " sqlite_master ORDER BY 1")
+            : QStringLiteral(
+                "SELECT concat_ws(' ', table_name, column_name, data_type, is_nullable,"
+                " column_default, collation_name) FROM information_schema.columns WHERE"
+                " table_schema = 'public' UNION ALL SELECT indexdef FROM pg_indexes WHERE"
+                " schemaname = 'public' UNION ALL SELECT pg_get_constraintdef(oid) FROM"
+                " pg_constraint WHERE connamespace = 'public'::regnamespace ORDER BY 1");
     const auto tablesOf = [&sql](const databaseAddress &place) {
         resultStore store(place);
         QStringList tables;
@@ -162,16 +158,16 @@ void tst_schema::sameTablesAsNewOnes()
         });
         return done ? tables : QStringList(done.error());
     };
-    const QStringList migrated = tablesOf(fixture->address());
-    fixture->begin();
-    const QStringList fresh = tablesOf(fixture->address());
+    const QStringList migrated = tablesOf(fixture.address());
+    fixture.begin();
+    const QStringList fresh = tablesOf(fixture.address());
     QVERIFY(fresh.size() > 10);
     QCOMPARE(migrated, fresh);
 }
 
 void tst_schema::isUndoneAndTriedAgain()
 {
-    const databaseAddress place = fixture->address();
+    const databaseAddress place = fixture.address();
     // In the way of one of the last steps.
     QVERIFY(changeIn(place, QStringLiteral("CREATE TABLE write_probe (x INTEGER)")));
     {
@@ -187,9 +183,34 @@ void tst_schema::isUndoneAndTriedAgain()
     QCOMPARE(uploadsIn(store).size(), 9);
 }
 
+/// The second schema was the third without an index.
+void tst_schema::fromTheSecond()
+{
+    fixture.begin();
+    const databaseAddress place = fixture.address();
+    {
+        resultStore store(place);
+        QCOMPARE(why(store.open()), QString());
+        QVERIFY(store.add({numbered(1)}));
+    }
+    const QString indexes = fixture.isSqlite()
+                                ? QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name ="
+                                                 " 'uploads_state'")
+                                : QStringLiteral("SELECT count(*) FROM pg_indexes WHERE indexname ="
+                                                 " 'uploads_state'");
+    QVERIFY(changeIn(place, QStringLiteral("DROP INDEX uploads_state")));
+    QVERIFY(changeIn(place, QStringLiteral("UPDATE schema_version SET version = 2")));
+    QCOMPARE(numberIn(place, indexes), qint64(0));
+    resultStore store(place);
+    QCOMPARE(why(store.open()), QString());
+    QCOMPARE(uploadsIn(store).size(), 1);
+    QCOMPARE(numberIn(place, indexes), qint64(1));
+    QCOMPARE(numberIn(place, QStringLiteral("SELECT version FROM schema_version")), qint64(3));
+}
+
 void tst_schema::severalAtOnce()
 {
-    const databaseAddress place = fixture->address();
+    const databaseAddress place = fixture.address();
     std::atomic<int> opened = 0;
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
@@ -206,24 +227,24 @@ void tst_schema::severalAtOnce()
 void tst_schema::readersDoNotMigrate()
 {
     {
-        resultStore store(fixture->address(), databaseUse::reading);
+        resultStore store(fixture.address(), databaseUse::reading);
         QCOMPARE(why(store.open()),
-                 QStringLiteral("the database has schema 1; publish and serve bring it up to 2"));
+                 QStringLiteral("the database has schema 1; publish and serve bring it up to 3"));
     }
-    QCOMPARE(numberIn(fixture->address(), QStringLiteral("SELECT version FROM schema_version")),
+    QCOMPARE(numberIn(fixture.address(), QStringLiteral("SELECT version FROM schema_version")),
              qint64(1));
 }
 
 void tst_schema::newerSchema()
 {
-    const databaseAddress place = fixture->address();
+    const databaseAddress place = fixture.address();
     QVERIFY(changeIn(place, QStringLiteral("UPDATE schema_version SET version = 7")));
     for (const databaseUse use :
          {databaseUse::serving, databaseUse::operating, databaseUse::reading}) {
         resultStore store(place, use);
         QCOMPARE(why(store.open()),
                  QStringLiteral("a newer fennick-server has made this database: it has schema 7,"
-                                " and this program knows those up to 2"));
+                                " and this program knows those up to 3"));
     }
 }
 

@@ -45,8 +45,9 @@ void tst_serverCommand::defaults()
 {
     const serverCommand command = commandOf(QStringLiteral("serve"));
     QCOMPARE(command.wanted, serverCommand::serve);
-    QCOMPARE(command.address, QStringLiteral("127.0.0.1"));
-    QCOMPARE(command.port, 8426);
+    QCOMPARE(command.listen.host, QStringLiteral("127.0.0.1"));
+    QCOMPARE(command.listen.port, 8426);
+    QVERIFY(!command.metrics);
     QCOMPARE(command.options.database.product, databaseAddress::sqlite);
     QCOMPARE(command.options.database.name, QStringLiteral("/data/results.sqlite"));
     QCOMPARE(command.options.uploads, 30);
@@ -61,12 +62,15 @@ void tst_serverCommand::defaults()
 void tst_serverCommand::options()
 {
     const serverCommand command = commandOf(
-        QStringLiteral("serve --listen [::1]:0 --database postgresql://me@db/bench --upload-limit "
+        QStringLiteral("serve --listen [::1]:0 --metrics [::]:65535 --database "
+                       "postgresql://me@db/bench --upload-limit "
                        "5/60 --connections 64 --connections-per-address 7 --read-limit 3/4 "
                        "--trusted-proxy 127.0.0.1 --trusted-proxy 10.0.0.0/8"));
     QCOMPARE(command.wanted, serverCommand::serve);
-    QCOMPARE(command.address, QStringLiteral("::1"));
-    QCOMPARE(command.port, 0);
+    QCOMPARE(command.listen.host, QStringLiteral("::1"));
+    QCOMPARE(command.listen.port, 0);
+    QCOMPARE(command.metrics.value().host, QStringLiteral("::"));
+    QCOMPARE(command.metrics.value().port, 65535);
     QCOMPARE(command.options.database.name, QStringLiteral("bench"));
     QCOMPARE(command.options.uploads, 5);
     QVERIFY(command.options.uploadPeriod == std::chrono::minutes(1));

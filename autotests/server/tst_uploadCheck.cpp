@@ -25,6 +25,7 @@ private slots:
     void logged();
     void hostile_data();
     void hostile();
+    void documentType();
     void ceilings();
     void names_data();
     void names();
@@ -41,6 +42,13 @@ QByteArray with(const QByteArray &what, const QByteArray &instead)
     QByteArray xml = uploadXml("LAB7", "Some CPU", "12.5");
     Q_ASSERT(xml.contains(what));
     return xml.replace(what, instead);
+}
+
+/// @p xml with @p type where a document type belongs, behind the declaration.
+QByteArray documentTypeIn(QByteArray xml, const QByteArray &type)
+{
+    const int end = xml.indexOf("?>\n") + 3;
+    return xml.insert(end, type);
 }
 
 } // namespace
@@ -169,7 +177,8 @@ void tst_uploadCheck::hostile_data()
     QTest::newRow("entities of entities") << laughs + "]><l>&l;</l>";
     QTest::newRow("a file") << QByteArray("<!DOCTYPE l [<!ENTITY a SYSTEM \"file:///etc/passwd\">]>"
                                           "<l>&a;</l>");
-    QTest::newRow("document type") << QByteArray("<!DOCTYPE l>") + uploadXml("a", "b", "1");
+    QTest::newRow("document type")
+        << documentTypeIn(uploadXml("a", "b", "1"), "<!DOCTYPE Fennick>");
     QTest::newRow("nesting") << QByteArray("<a>").repeated(20'000);
     QTest::newRow("NUL") << with("LAB7", QByteArray(1, '\0'));
     QTest::newRow("many attributes") << [] {
@@ -186,6 +195,20 @@ void tst_uploadCheck::hostile()
     const auto upload = checkUpload(xml);
     QVERIFY(!upload);
     QVERIFY(upload.error().reason.size() < 600);
+}
+
+/// It is what is refused, in what would be an upload without it.
+void tst_uploadCheck::documentType()
+{
+    const QByteArray good = uploadXml("a", "b", "1");
+    QVERIFY(checkUpload(documentTypeIn(good, "<!-- Fennick -->")));
+    for (const char *type : {"<!DOCTYPE Fennick>", "<!DOCTYPE Fennick SYSTEM \"x\">",
+                             "<!DOCTYPE Fennick [<!ENTITY a 'b'>]>"}) {
+        const auto upload = checkUpload(documentTypeIn(good, type));
+        QVERIFY(!upload);
+        QVERIFY(upload.error().isReadable);
+        QCOMPARE(QByteArray(upload.error().kind), QByteArray("format"));
+    }
 }
 
 void tst_uploadCheck::ceilings()

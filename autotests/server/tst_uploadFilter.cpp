@@ -38,20 +38,17 @@ class tst_uploadFilter : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
     void filters_data();
     void filters();
     void texts();
 
 private:
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
     QMap<bool, std::shared_ptr<resultStore>> stores; ///< whether it is SQLite
 };
 
 void tst_uploadFilter::initTestCase()
 {
-    fixture = std::make_unique<storeFixture>();
-    QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
     const auto upload = [](int number, const char *cpu, float speed) {
         storedUpload one =
             stored(wholeRun(QString::fromUtf8(cpu), speed, linux, 4, QString::number(number)),
@@ -70,18 +67,12 @@ void tst_uploadFilter::initTestCase()
     uploads.append(upload(++number, "AMD X", 4));     // 10, withdrawn, else an outlier
     uploads.last().state = QStringLiteral("withdrawn");
     for (const bool isSqlite : {true, false}) {
-        fixture->begin(isSqlite);
-        auto store = std::make_shared<resultStore>(fixture->address());
+        QVERIFY2(fixture.begin(isSqlite), qPrintable(fixture.error()));
+        auto store = std::make_shared<resultStore>(fixture.address());
         QVERIFY(store->open());
         QVERIFY(store->add(uploads));
         stores.insert(isSqlite, store);
     }
-}
-
-void tst_uploadFilter::cleanupTestCase()
-{
-    stores.clear();
-    fixture.reset();
 }
 
 void tst_uploadFilter::filters_data()

@@ -30,16 +30,10 @@ class tst_uploadSources : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        fixture = std::make_unique<storeFixture>();
-        QVERIFY2(fixture->error().isEmpty(), qPrintable(fixture->error()));
-    }
-    void cleanupTestCase() { fixture.reset(); }
     void init()
     {
-        fixture->begin();
-        store = std::make_unique<resultStore>(fixture->address(), databaseUse::operating);
+        QVERIFY2(fixture.begin(), qPrintable(fixture.error()));
+        store = std::make_unique<resultStore>(fixture.address(), databaseUse::operating);
         QVERIFY(store->open());
     }
     void cleanup() { store.reset(); }
@@ -79,7 +73,7 @@ private:
         return store->connection().number(QString::fromLatin1(sql)).value_or(-1);
     }
 
-    std::unique_ptr<storeFixture> fixture;
+    storeFixture fixture;
     std::unique_ptr<resultStore> store;
 };
 
@@ -98,7 +92,7 @@ void tst_uploadSources::oneDay()
 
 void tst_uploadSources::severalProcesses()
 {
-    resultStore other(fixture->address());
+    resultStore other(fixture.address());
     QVERIFY(other.open());
     QVERIFY(store->add({from("192.0.2.1", 5)}));
     QVERIFY(other.add({from("192.0.2.2", 6)}));

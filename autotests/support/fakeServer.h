@@ -10,6 +10,7 @@
 #include <QVector>
 
 #include <functional>
+#include <memory>
 
 /// A web server on a port of its own of this machine. It lives in the thread of its client, whose
 /// waiting loop drives it.
@@ -18,11 +19,14 @@ class fakeServer
 public:
     using answer = std::function<void(QTcpSocket &)>;
 
-    explicit fakeServer(answer toAll = {}) : reply(std::move(toAll))
+    explicit fakeServer(answer toAll = {},
+                        std::unique_ptr<QTcpServer> listener = std::make_unique<QTcpServer>())
+        : reply(std::move(toAll)),
+          server(std::move(listener))
     {
-        server.listen(QHostAddress::LocalHost);
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
-            while (QTcpSocket *socket = server.nextPendingConnection()) {
+        server->listen(QHostAddress::LocalHost);
+        QObject::connect(server.get(), &QTcpServer::newConnection, server.get(), [this] {
+            while (QTcpSocket *socket = server->nextPendingConnection()) {
                 ++connections;
                 QObject::connect(socket, &QTcpSocket::readyRead, socket,
                                  [this, socket] { receive(*socket); });
@@ -30,9 +34,9 @@ public:
         });
     }
 
-    QString host() const { return QStringLiteral("127.0.0.1:%1").arg(server.serverPort()); }
+    QString host() const { return QStringLiteral("127.0.0.1:%1").arg(server->serverPort()); }
     /// From now on nobody listens there.
-    void stop() { server.close(); }
+    void stop() { server->close(); }
 
     /// What came before, and after, the empty line of the last request.
     QByteArray lastHeaders() const { return requests.last().left(bodyStart(requests.last()) - 4); }
@@ -65,7 +69,7 @@ private:
             reply(socket);
     }
 
-    QTcpServer server;
+    std::unique_ptr<QTcpServer> server;
     QHash<QTcpSocket *, QByteArray> pending;
 };
 

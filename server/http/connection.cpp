@@ -129,6 +129,7 @@ void connection::beginRequest()
     current = {now, now, 0};
     headBytes = 0;
     ++requests;
+    topic.reset();
     begin(activity::reading, now + longestReading);
     parser.emplace();
     parser->header_limit(maximumHead);
@@ -227,7 +228,8 @@ void connection::takeRequest()
         forwardedFor = {line->value().data(), line->value().size()};
     httpRequest request{std::string(pathOf({message.target().data(), message.target().size()})),
                         std::move(message.body()),
-                        clientOf(peer, forwardedFor, host.trustedProxies)};
+                        clientOf(peer, forwardedFor, host.trustedProxies),
+                        topic = std::make_shared<requestTopic>(nullptr)};
     begin(activity::working, current.begun + longestWork);
     host.handle(std::move(request),
                 [self = shared_from_this(), number = requests](const answer &given) {
@@ -267,9 +269,9 @@ void connection::send(const answer &given)
     response.prepare_payload();
     serializer.emplace(response);
     serializer->split(isHead);
-    host.answered(given.status);
     const auto now = steadyClock::now();
     const auto begun = current.begun;
+    host.answered({topic ? topic->load() : nullptr, given.status, now - begun});
     current = {now, now, 0};
     begin(activity::writing, std::max(begun + longestRequest, now));
     write();

@@ -4,6 +4,7 @@
 #include "server/http/asio.h"
 #include "server/http/connectionTable.h"
 #include "server/http/headRules.h"
+#include "server/http/request.h"
 
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/span.hpp>
@@ -15,26 +16,14 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
-
-/// A request that has been taken.
-struct httpRequest {
-    std::string path;
-    std::string body;
-    ipAddress client;
-};
-
-/// Answers a request through its replier, at once or later. Called on the thread of the loop, and
-/// must not keep it waiting.
-using requestHandler = std::function<void(httpRequest request, replier reply)>;
 
 /// What the connections of a server have in common.
 struct connectionHost {
     std::vector<resource> resources;
     std::vector<ipNetwork> trustedProxies;
     requestHandler handle;
-    /// Called for each answer.
-    std::function<void(int status)> answered = [](int) {};
+    /// Called for each answer, on the thread of the loop.
+    std::function<void(const answeredRequest &)> answered = [](const answeredRequest &) {};
     /// Called when a connection is gone.
     std::function<void()> left = [] {};
     bool isEnding = false; ///< whether each request is the last one of its connection
@@ -96,7 +85,8 @@ private:
     std::size_t headBytes = 0; ///< of the request, as far as they have been taken
     boost::beast::flat_buffer buffer;
     std::optional<requestParser> parser;
-    QByteArray body; ///< of the answer, which the response shows
+    std::shared_ptr<requestTopic> topic; ///< of the request that has been taken
+    QByteArray body;                     ///< of the answer, which the response shows
     responseMessage response;
     std::optional<boost::beast::http::response_serializer<responseBody>> serializer;
 };
