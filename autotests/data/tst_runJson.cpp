@@ -207,6 +207,9 @@ void tst_runJson::localTimesGetTheirOffset()
     const QByteArray json = toJson(run);
     QVERIFY2(json.contains("\"2026-07-01T12:00:00.000+05:30\""), json);
     QVERIFY2(json.contains("\"2026-07-01T07:30:00.000Z\""), json);
+    run.ended = QDateTime(QDate(2026, 7, 1), QTime(7, 30)); // wherever this is
+    QVERIFY(readRunRecord(toJson(run)));
+    QCOMPARE(differences(*readRunRecord(toJson(run)), run), QStringList());
 }
 
 void tst_runJson::whatIsTooLongIsCut()
