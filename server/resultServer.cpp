@@ -226,16 +226,18 @@ void resultServer::upload(const QByteArray &xml, const ipAddress &client, const 
 void resultServer::health(bool isForWriting, const replier &reply)
 {
     store.newestVersion([this, isForWriting, reply](std::optional<int> found) {
-        if (!found)
+        if (!found) {
             reply(unavailable());
-        else if (!isForWriting)
+            return;
+        }
+        if (!isForWriting) {
             reply(textAnswer(200, QStringLiteral("ok")));
-        else
-            store.checkWritable([reply](bool isWritable) {
-                reply(isWritable
-                          ? textAnswer(200, QStringLiteral("ok"))
-                          : textAnswer(503, QStringLiteral("lists can be read, but no upload "
-                                                           "can be stored")));
-            });
+            return;
+        }
+        store.checkWritable([reply](bool isWritable) {
+            reply(isWritable ? textAnswer(200, QStringLiteral("ok"))
+                             : textAnswer(503, QStringLiteral("lists can be read, but no upload "
+                                                              "can be stored")));
+        });
     });
 }

@@ -256,8 +256,10 @@ outcome<qint64> versionIn(database &db)
     return db
         .number(db.isSqlite() ? QStringLiteral("SELECT count(*) FROM sqlite_master"
                                                " WHERE type = 'table' AND name = 'schema_version'")
-                              : QStringLiteral("SELECT CASE WHEN to_regclass('schema_version')"
-                                               " IS NULL THEN 0 ELSE 1 END"))
+                              // Not to_regclass: it may remember that there was no such table.
+                              : QStringLiteral("SELECT count(*) FROM pg_catalog.pg_tables WHERE"
+                                               " schemaname = ANY (current_schemas(false))"
+                                               " AND tablename = 'schema_version'"))
         .and_then([&db](qint64 tables) {
             return tables == 0
                        ? outcome<qint64>(0)
