@@ -71,7 +71,7 @@ QStringList runStore::names() const
 
 QString runStore::nextName() const
 {
-    const QString now = nameOf(QDateTime::currentDateTimeUtc().toString(timeForm), 0);
+    QString now = nameOf(QDateTime::currentDateTimeUtc().toString(timeForm), 0);
     const QStringList present = names();
     if (present.isEmpty() || now > present.last())
         return now;
