@@ -35,14 +35,16 @@ public:
     bool request(int requested, QByteArray &) override
     {
         *uploads += requested == storeResults ? 1 : 0;
+        isUploadLatest = requested == storeResults;
         return requested == storeResults && *isTaking;
     }
-    QString refusal() const override { return *words; }
+    QString refusal() const override { return isUploadLatest ? *words : QString(); }
 
 private:
     int *uploads;
     const bool *isTaking;
     const QString *words;
+    bool isUploadLatest = false;
 };
 
 /// A runner over two fakes, stopped on request.

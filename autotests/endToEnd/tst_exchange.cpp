@@ -2,7 +2,7 @@
 
 // Two people exchange their results: the real window, the real console runner and the real server.
 
-#include "cli/consoleRunner.h"
+#include "cli/runTests.h"
 #include "data/httpDatabase.h"
 #include "ui/mainwindow.h"
 
@@ -179,7 +179,7 @@ void tst_exchange::consoleRunner()
     benchBase runner(&log, &stop, nullptr, shortSuite(),
                      std::make_unique<httpDatabase>(server->host()));
     const int before = serverCommand(QStringLiteral("list")).out.count(QLatin1Char('\n'));
-    commandLine command;
+    runRequest command;
     QCOMPARE(runTests(command, runner, stop), int(exitSuccess));
     QVERIFY(log.text.endsWith(QStringLiteral("Benchmark finished\nStore userdata\n")));
     QCOMPARE(serverCommand(QStringLiteral("list")).out.count(QLatin1Char('\n')), before);
