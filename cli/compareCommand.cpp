@@ -61,7 +61,8 @@ public:
             return failure(QStringLiteral("no machine of the list is called '%1'").arg(text));
         return *found;
     }
-    /// Where @p machine would stand in the list, as one line.
+    /// Where @p machine would stand in the list, as one line; nothing for one that lacks results,
+    /// whose score is of other tests than everybody's.
     QString placeOf(benchResults machine) const
     {
         machine.setMeasured(true);
@@ -71,7 +72,8 @@ public:
         wanted.kind = ranking::allTests;
         wanted.mode = ranking::allDevices;
         const auto ordered = ranking::rankedMachines(all, ranked, wanted);
-        if (ordered.isEmpty() || ranking::gapsOf(ordered, ranked, wanted).bars > 0)
+        const ranking::gaps gaps = ranking::gapsOf(ordered, ranked, wanted);
+        if (ordered.isEmpty() || gaps.bars > 0 || gaps.results < gaps.tests)
             return {};
         const float own = ordered.last().getScore();
         const auto better = std::count_if(ordered.begin(), ordered.end() - 1,
