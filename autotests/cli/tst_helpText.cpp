@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/helpText.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QSet>
 #include <QStandardPaths>
@@ -15,6 +16,7 @@ private slots:
     void commands();
     void everythingIsThere();
     void exitCodesAreDistinct();
+    void documentHasTheExitCodes();
     void manualIsFormatted_data();
     void manualIsFormatted();
 };
@@ -72,6 +74,23 @@ void tst_helpText::exitCodesAreDistinct()
                     .contains(QStringLiteral("%1 %2").arg(int(row.code)).arg(row.meaning)));
     }
     QCOMPARE(codes, QSet<int>({0, 1, 2, 3, 4, 5, 6, 129, 130, 143}));
+}
+
+/// The page for people has the codes in the same words.
+void tst_helpText::documentHasTheExitCodes()
+{
+    QFile document(QStringLiteral(FENNICK_SOURCE_DIR "/docs/console.md"));
+    QVERIFY(document.open(QIODevice::ReadOnly));
+    QString text = QString::fromUtf8(document.readAll());
+    text.remove(QLatin1Char('`'));
+    for (const exitCodeRow &row : exitCodeTable()) {
+        if (row.code < exitHungUp)
+            QVERIFY2(
+                text.contains(QStringLiteral("| %1 | %2 |").arg(int(row.code)).arg(row.meaning)),
+                qPrintable(row.meaning));
+        else
+            QVERIFY(text.contains(QString::number(row.code)));
+    }
 }
 
 void tst_helpText::manualIsFormatted_data()

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/instanceLock.h"
+#include "data/runStore.h"
 #include "support/dataDirectory.h"
 #include "support/fakeClock.h"
 #include "support/messageBoxes.h"
@@ -10,6 +12,7 @@
 #include <QComboBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStatusBar>
 #include <QtTest>
 
 namespace
@@ -38,6 +41,8 @@ private slots:
 
     void fullRunRefused();
     void fullRunFinished();
+    void fullRunIsKept();
+    void otherInstance();
     void uploadIsDisabled();
     void closedBoxIsNo();
     void framesAreShownInAFullRun();
@@ -99,6 +104,51 @@ void tst_mainwindowRuns::fullRunFinished()
     QVERIFY(f.onlyView<compareWindow>()->isVisible());
     QCOMPARE(compare.count(), 1);
     QVERIFY(f.isIdle());
+}
+
+/// With each test in it, also where one failed; what keeps it from being kept is said.
+void tst_mainwindowRuns::fullRunIsKept()
+{
+    windowFixture f;
+    for (fakeTest *test : qAsConst(f.fakes))
+        test->canSetup = false;
+    const boxAnswer answer(QMessageBox::Yes);
+    f.button("benchButton")->click();
+    const QDir runs(directory->path(QStringLiteral("runs")));
+    QCOMPARE(runs.entryList(QDir::Files).size(), 1);
+    const outcome<runRecord> kept = readRunFile(runs.filePath(runs.entryList(QDir::Files).first()));
+    QVERIFY(kept.has_value());
+    QVERIFY(!kept->isStopped);
+    QCOMPARE(kept->settings.wanted, runSettings::fullRun);
+    QCOMPARE(kept->settings.testTime, 8000);
+    QCOMPARE(kept->tests.size(), std::size_t(2));
+    QCOMPARE(kept->tests.at(1).name, manyCores);
+    QCOMPARE(kept->tests.at(1).end, testEnd::failed);
+    auto *notes = f.find<QStatusBar>("statusBar");
+    QCOMPARE(notes->currentMessage(), QString());
+
+    QVERIFY(QDir(directory->path(QStringLiteral("runs"))).removeRecursively());
+    QVERIFY(directory->write(QStringLiteral("runs"), "not a folder"));
+    f.button("benchButton")->click();
+    QVERIFY(notes->currentMessage().startsWith(QStringLiteral("The run is not kept: ")));
+    QVERIFY(QFontInfo(notes->font()).pixelSize() > 5);
+    QVERIFY(f.newLog().contains(QStringLiteral("Store userdata\n")));
+}
+
+/// Two that measure at once are in each other's way. The lock is gone after the run.
+void tst_mainwindowRuns::otherInstance()
+{
+    windowFixture f;
+    for (fakeTest *test : qAsConst(f.fakes))
+        test->canSetup = false;
+    auto *notes = f.find<QStatusBar>("statusBar");
+    const boxAnswer answer(QMessageBox::Yes);
+    instanceLock other;
+    QVERIFY(other.hold());
+    f.button("benchButton")->click();
+    QVERIFY(notes->currentMessage().startsWith(QStringLiteral("Another Fennick measures")));
+    other.release();
+    QVERIFY(other.hold());
 }
 
 void tst_mainwindowRuns::uploadIsDisabled()
