@@ -89,10 +89,17 @@ our_headers() {
     sed -n "s/^HeaderFilterRegex: '\(.*\)'/\1/p" .clang-tidy
 }
 
+# without_precompiled: the build's commands for those who have another compiler than the build, and cannot
+# read its precompiled headers. A source that includes too little is found by the way.
+without_precompiled() {
+    sed -E -e 's/ -Winvalid-pch -include [^ ]*cmake_pch\.hxx//g' \
+        -e 's/ -Xclang -include(-pch)? -Xclang [^ ]*cmake_pch\.hxx(\.pch)?//g' $build/compile_commands.json
+}
+
 # tidy SOURCE: prints what clang-tidy finds.
 tidy() {
     local output
-    output=$("$clang_tidy" -p build/test --quiet --warnings-as-errors='*' \
+    output=$("$clang_tidy" -p "$database" --quiet --warnings-as-errors='*' \
         --header-filter="$headers" "$1" 2>&1) && return
     printf '%s\n' "$output" | grep -vE '^[0-9]+ (warning|error).* generated\.$'
     return 1
@@ -131,11 +138,14 @@ check_code() {
     fi
     [ ${#sources[@]} -gt 0 ] || return 0
     headers=$(our_headers)
-    export headers
+    database=$(mktemp -d)
+    without_precompiled > "$database/compile_commands.json"
+    export headers database
     # shellcheck disable=SC2016 # the dollar sign is for the shell that xargs starts
     printf '%s\0' "${sources[@]}" \
         | xargs -0 -n 1 -P "${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}" bash -c 'tidy "$1"' tidy \
         || found+=(clang-tidy)
+    rm -r "$database"
 }
 
 base=${1:-$(default_base)}
