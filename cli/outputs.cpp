@@ -7,6 +7,7 @@
 #include "data/runReport.h"
 #include "data/wholeFile.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -21,6 +22,23 @@ exitCode lost(const QString &sentence)
     return exitLostOutput;
 }
 
+/// Whether @p name is a pipe or a device, such as a shell's >(command). It must be written to, and
+/// never be replaced by a file.
+bool isDevice(const QString &name)
+{
+    const QFileInfo info(name);
+    return info.exists() && !info.isFile() && !info.isDir();
+}
+
+outcome<void> writeDevice(const QString &name, const QByteArray &content)
+{
+    QFile device(name);
+    if (device.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+        && device.write(content) == content.size())
+        return {};
+    return failure(QStringLiteral("'%1' cannot be written: %2").arg(name, device.errorString()));
+}
+
 } // namespace
 
 exitCode writeOutput(const QString &name, const QByteArray &content)
@@ -31,7 +49,8 @@ exitCode writeOutput(const QString &name, const QByteArray &content)
         std::fflush(stdout);
         return exitSuccess;
     }
-    const outcome<void> isWritten = writeWholeFile(name, content);
+    const outcome<void> isWritten =
+        isDevice(name) ? writeDevice(name, content) : writeWholeFile(name, content);
     return isWritten ? exitSuccess : lost(isWritten.error());
 }
 
@@ -53,7 +72,7 @@ exitCode writeOutputs(const outputFiles &files, const runRecord &record)
 exitCode checkOutputs(const outputFiles &files)
 {
     for (const QString &name : {files.json, files.csv, files.markdown}) {
-        if (name.isEmpty() || name == standardOutput)
+        if (name.isEmpty() || name == standardOutput || isDevice(name))
             continue;
         QSaveFile file(name);
         if (!file.open(QIODevice::WriteOnly))

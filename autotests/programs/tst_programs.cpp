@@ -71,6 +71,7 @@ private slots:
     void lostOutputCostsNoResults();
     void fullRunIsKept();
     void outputThatCannotBeWritten();
+    void outputToAPipe();
     void problemsAreSaid();
     void brokenPipeEndsIt();
 
@@ -314,6 +315,21 @@ void tst_programs::outputThatCannotBeWritten()
     QCOMPARE(runConsole(QStringLiteral("exec \"$0\" --quiet --csv '%1'").arg(file("old.csv"))), 0);
     QVERIFY(out.isEmpty());
     QVERIFY(read("old.csv").startsWith("started,"));
+}
+
+/// A pipe is written to, and still a pipe afterwards.
+void tst_programs::outputToAPipe()
+{
+#ifdef Q_OS_UNIX
+    const QString script = QStringLiteral("cd '%1' && mkfifo pipe || exit 9; cat pipe & "
+                                          "\"$0\" --quiet --csv pipe; code=$?; wait; "
+                                          "test -p pipe && exit $code")
+                               .arg(home->path());
+    QCOMPARE(runConsole(script), 0);
+    QVERIFY2(out.startsWith("started,"), out);
+#else
+    QSKIP("needs pipes with names");
+#endif
 }
 
 void tst_programs::problemsAreSaid()

@@ -129,6 +129,7 @@ void tst_mainwindowRuns::fullRunIsKept()
 
     QVERIFY(QDir(directory->path(QStringLiteral("runs"))).removeRecursively());
     QVERIFY(directory->write(QStringLiteral("runs"), "not a folder"));
+    const boxAnswer secondAnswer(QMessageBox::Yes);
     f.button("benchButton")->click();
     QVERIFY(notes->currentMessage().startsWith(QStringLiteral("The run is not kept: ")));
     QVERIFY(QFontInfo(notes->font()).pixelSize() > 5);
