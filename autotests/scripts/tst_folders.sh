@@ -59,7 +59,7 @@ include engine/hooks.h engine/stopwatch.h
 echo '#include "engine/hooks.h"' >> "$work/tree/engine/stopwatch.h"
 check 'a circle' 1 '^files include each other in a circle$' 'engine/hooks.h$' 'engine/stopwatch.h$'
 
-include cli/consoleRunner.cpp tests/suite.h
-check 'an arrow that the picture lacks' 1 'folders.svg shows other arrows' '^cli +-> tests +1$'
+include ui/main.cpp console/options.h
+check 'an arrow that the picture lacks' 1 'folders.svg shows other arrows' '^ui +-> console +1$'
 
 [ $failures -eq 0 ]
