@@ -21,14 +21,14 @@ check() {
     fi
 }
 
-DESTDIR=$work/root "$cmake" --install "$build" --prefix /usr --component server > "$work/log"
+DESTDIR=$work/installed "$cmake" --install "$build" --prefix /usr --component server > "$work/log"
 check "files" "./usr/bin/fennick-server
 ./usr/lib/systemd/system/fennick-publish.service
 ./usr/lib/systemd/system/fennick-publish.timer
 ./usr/lib/systemd/system/fennick-server.service
 ./usr/share/doc/fennick/examples/haproxy.cfg
-./usr/share/doc/fennick/examples/nginx.conf" "$(cd "$work/root" && find . ! -type d | LC_ALL=C sort)"
-check "the program is one" 0 "$("$work/root/usr/bin/fennick-server" --version > /dev/null; echo $?)"
+./usr/share/doc/fennick/examples/nginx.conf" "$(cd "$work/installed" && find . ! -type d | LC_ALL=C sort)"
+check "the program is one" 0 "$("$work/installed/usr/bin/fennick-server" --version > /dev/null; echo $?)"
 
 command -v systemd-analyze > /dev/null || {
     echo "SKIP: systemd-analyze is missing, so nobody looked at the units"
@@ -38,11 +38,11 @@ command -v systemd-analyze > /dev/null || {
 # systemd looks for the program where programs are; here it is elsewhere.
 units=$work/units
 mkdir "$units"
-for unit in "$work"/root/usr/lib/systemd/system/*; do
-    sed "s|^ExecStart=fennick-server |ExecStart=$work/root/usr/bin/fennick-server |" "$unit" \
+for unit in "$work"/installed/usr/lib/systemd/system/*; do
+    sed "s|^ExecStart=fennick-server |ExecStart=$work/installed/usr/bin/fennick-server |" "$unit" \
         > "$units/${unit##*/}"
 done
-check "all services start the program" 2 "$(grep -lF "ExecStart=$work/root" "$units"/* | wc -l)"
+check "all services start the program" 2 "$(grep -lF "ExecStart=$work/installed" "$units"/* | wc -l)"
 for unit in "$units"/*; do
     check "${unit##*/} is right" "" "$(systemd-analyze verify "$unit" 2>&1 || echo "it ended with $?")"
 done
