@@ -18,8 +18,10 @@ build fuzz
 for kind in connection request run xml; do
     say "fuzzing for $seconds s: $kind"
     mkdir -p "build/fuzz/corpus-$kind" build/fuzz/found
-    "build/fuzz/fuzz/fuzz-$kind" -max_total_time="$seconds" -max_len=65536 -timeout=10 \
-        -rss_limit_mb=2048 -print_final_stats=1 -verbosity=0 \
+    # Qt 5's JSON reader forgets the containers that are open where a document is refused.
+    leaks=$([[ $kind == run ]] && echo 0 || echo 1)
+    ASAN_OPTIONS=detect_leaks=$leaks "build/fuzz/fuzz/fuzz-$kind" -max_total_time="$seconds" \
+        -max_len=65536 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 -verbosity=0 \
         -artifact_prefix="build/fuzz/found/$kind-" \
         "build/fuzz/corpus-$kind" "fuzz/corpus/$kind" 2>&1 | grep -v '^$'
 done
