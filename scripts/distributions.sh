@@ -87,7 +87,7 @@ inside() {
         env -i HOME="$home" USER="$person" LANG=C.UTF-8 \
         PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
         CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/var/cache/ccache CCACHE_UMASK=000 \
-        CCACHE_BASEDIR=$checkout CCACHE_NOHASHDIR=1 \
+        CCACHE_BASEDIR=$checkout CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros \
         CMAKE_BUILD_PARALLEL_LEVEL="${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}" \
         bash -c 'cd "$0" && exec "$@"' "$checkout" "$@" < /dev/null
 }
