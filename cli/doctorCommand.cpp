@@ -5,13 +5,14 @@
 #include "data/doctorPage.h"
 #include "data/instanceLock.h"
 #include "data/runRecorder.h"
+#include "data/startingMoment.h"
 
 exitCode doctorCommand()
 {
     doctorSubject subject;
     subject.machine = thisMachine();
     subject.context = readMachineContext();
-    subject.moment = readMachineMoment();
+    subject.moment = readStartingMoment(subject.machine.threads);
     subject.build = thisBuild();
     subject.disturbances = disturbancesOf(subject.context, subject.moment, subject.build,
                                           subject.machine.threads, instanceLock().isOtherRunning());

@@ -46,11 +46,7 @@ bool waitForQuiet(int most, stopHook &stop, const std::function<void()> &secondP
 {
     constexpr double quiet = 0.1;
     for (int tries = 0; tries < most && !stop.isStopRequested(); ++tries) {
-        const auto start = currentClocks.steady();
-        const processorTime others(sources);
-        secondPasses();
-        const std::chrono::duration<double> span = currentClocks.steady() - start;
-        if (others.othersSeconds().value_or(0) < quiet * span.count())
+        if (othersLoad(secondPasses, sources).value_or(0) < quiet)
             return true;
     }
     return false;

@@ -17,6 +17,7 @@
 #include "data/instanceLock.h"
 #include "data/runRecorder.h"
 #include "data/runStore.h"
+#include "data/startingMoment.h"
 #include "engine/hookList.h"
 
 #include <QThread>
@@ -90,9 +91,9 @@ void prepare(const runRequest &wanted, instanceLock &lock, stopHook &stop)
                 .arg(wanted.idleSeconds));
     }
     const bool isOtherRunning = !lock.hold() && lock.isOtherRunning();
-    for (const disturbance &one :
-         disturbancesOf(readMachineContext(), readMachineMoment(), thisBuild(),
-                        thisMachine().threads, isOtherRunning)) {
+    const int threads = thisMachine().threads;
+    for (const disturbance &one : disturbancesOf(readMachineContext(), readStartingMoment(threads),
+                                                 thisBuild(), threads, isOtherRunning)) {
         if (one.how == disturbance::warning)
             say(QStringLiteral("warning: %1; %2").arg(one.sentence, one.remedy));
     }

@@ -77,13 +77,17 @@ finding governorIn(const situation &now)
 
 finding loadIn(const situation &now)
 {
-    const double load = now.moment.loadAverage.value_or(0);
+    // What others do now says more than the average of the last minute.
+    const bool isWatched = now.moment.othersLoad.has_value();
+    const double load = isWatched ? *now.moment.othersLoad : now.moment.loadAverage.value_or(0);
     if (load <= busyLoad(now.threads))
         return {};
-    return {QStringLiteral("the machine is busy: a load average of %1 on %2")
-                .arg(QString::number(load, 'f', 2),
-                     now.threads == 1 ? QStringLiteral("1 processor")
-                                      : QStringLiteral("%1 processors").arg(now.threads)),
+    const QString sentence =
+        isWatched ? QStringLiteral("the machine is busy: others keep %1 of %2 at work")
+                  : QStringLiteral("the machine is busy: a load average of %1 on %2");
+    return {sentence.arg(QString::number(load, 'f', 2),
+                         now.threads == 1 ? QStringLiteral("1 processor")
+                                          : QStringLiteral("%1 processors").arg(now.threads)),
             QStringLiteral("end what else is running, or wait for it")};
 }
 

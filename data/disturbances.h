@@ -36,7 +36,7 @@ struct disturbance {
 /// The word of @p why in what programs read, such as "debug-build". It never changes.
 QString reasonWord(disturbance::reason why);
 
-/// The load average from which on a machine of @p threads processors is too busy to be measured.
+/// The load from which on a machine of @p threads processors is too busy to be measured.
 /// What others use is missing in the multi-core tests, which use all processors; a tenth of them is
 /// more than a good result varies by. On a machine that does nothing the average still wanders
 /// within some tenths, so a few processors tell nothing below a quarter.

@@ -4,6 +4,7 @@
 #include "data/roundRemarks.h"
 #include "data/runValues.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace
@@ -90,7 +91,13 @@ verdict verdictOf(const testRun &test, const runRecord &run)
 std::vector<remark> remarksOf(const runRecord &run)
 {
     const double load = run.context.atStart.loadAverage.value_or(0);
-    if (!(load > busyLoad))
+    // The average still counts what ended a minute before, such as another run of ours. What others
+    // took during each test says more.
+    const bool isWatched =
+        !run.tests.empty()
+        && std::all_of(run.tests.begin(), run.tests.end(),
+                       [](const testRun &test) { return test.otherProcesses.has_value(); });
+    if (isWatched || !(load > busyLoad))
         return {};
     return {{remarkKind::busyAtStart,
              QStringLiteral("the load average was %1 at the start").arg(load, 0, 'f', 2)}};

@@ -10,6 +10,8 @@
 struct machineMoment {
     std::optional<double> loadAverage; ///< of the last minute
     std::optional<double> temperature; ///< of the processor, degrees Celsius
+    /// How many processors others keep busy right now; only where that was looked at.
+    std::optional<double> othersLoad = std::nullopt;
 };
 
 /// What beside its own hardware decides how fast a machine is at the moment. What is unknown is

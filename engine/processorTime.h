@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 /// Where processor time is read. Tests bring their own.
@@ -38,3 +39,8 @@ private:
     processorTimeSources sources;
     reading start;
 };
+
+/// How many processors everybody else keeps busy while @p pass waits: 0.5 is half of one. None
+/// where the system does not tell.
+std::optional<double> othersLoad(const std::function<void()> &pass,
+                                 const processorTimeSources &sources = {});

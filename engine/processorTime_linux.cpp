@@ -7,7 +7,6 @@
 #include <ctime>
 #include <sstream>
 #include <unistd.h>
-#include <utility>
 
 namespace
 {
@@ -49,8 +48,6 @@ std::optional<double> processorTimeSources::processSeconds()
         return std::nullopt;
     return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * 1e-9;
 }
-
-processorTime::processorTime(processorTimeSources from) : sources(std::move(from)), start(read()) {}
 
 processorTime::reading processorTime::read() const
 {

@@ -133,6 +133,14 @@ void tst_disturbances::one_data()
         "busy-machine: the machine is busy: a load average of 1.00 on 1 processor -> end what "
         "else is running, or wait for it");
     row(
+        "busy right now",
+        [](setting &s) {
+            s.moment.loadAverage = 3;
+            s.moment.othersLoad = 1.2;
+        },
+        "busy-machine: the machine is busy: others keep 1.20 of 4 processors at work -> end what "
+        "else is running, or wait for it");
+    row(
         "environment",
         [](setting &s) {
             for (const char *name : {"B", "A"})

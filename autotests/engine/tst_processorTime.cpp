@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/processorTime.h"
+#include "support/fakeClock.h"
 #include "support/systemTree.h"
 
 #include <QtTest>
@@ -41,6 +42,7 @@ private slots:
     void oddFiles();
     void noOwnTime();
     void ownTimeOfAllThreads();
+    void load();
     void thisMachine();
 };
 
@@ -140,6 +142,21 @@ void tst_processorTime::ownTimeOfAllThreads()
     std::thread other([] { work(0.02); });
     other.join();
     QVERIFY(*processorTimeSources::processSeconds() - before >= 0.02);
+}
+
+/// Processors, not seconds; nothing of a wait without length.
+void tst_processorTime::load()
+{
+    const fakeClock clock;
+    const systemTree tree({{statistics, "cpu  100 0 0 4000 0 0 0 0 0 0\n"}});
+    QCOMPARE(othersLoad([] { fakeClock::pass(std::chrono::milliseconds(10)); }, below(tree)),
+             std::optional(0.0));
+    QVERIFY(!othersLoad([] {}, below(tree)));
+    const auto busy = [&] {
+        fakeClock::pass(std::chrono::milliseconds(500));
+        tree.write(statistics, "cpu  175 0 0 4000 0 0 0 0 0 0\n");
+    };
+    QCOMPARE(othersLoad(busy, below(tree)), std::optional(1.5));
 }
 
 void tst_processorTime::thisMachine()
