@@ -10,6 +10,7 @@
 #include "data/rankedTests.h"
 #include "data/runStore.h"
 #include "data/runValues.h"
+#include "data/standing.h"
 #include "data/visibleText.h"
 #include "tests/suite.h"
 
@@ -61,26 +62,10 @@ public:
             return failure(QStringLiteral("no machine of the list is called '%1'").arg(text));
         return *found;
     }
-    /// Where @p machine would stand in the list, as one line; nothing for one that lacks results,
-    /// whose score is of other tests than everybody's.
-    QString placeOf(benchResults machine) const
+    /// Where @p machine stands beside the others of the list, if @p unit is 100.
+    std::optional<standing> standingOf(const benchResults &machine, const benchResults &unit) const
     {
-        machine.setMeasured(true);
-        QVector<benchResults> all = machines;
-        all.last() = machine;
-        ranking::choices wanted;
-        wanted.kind = ranking::allTests;
-        wanted.mode = ranking::allDevices;
-        const auto ordered = ranking::rankedMachines(all, ranked, wanted);
-        const ranking::gaps gaps = ranking::gapsOf(ordered, ranked, wanted);
-        if (ordered.isEmpty() || gaps.bars > 0 || gaps.results < gaps.tests)
-            return {};
-        const float own = ordered.last().getScore();
-        const auto better = std::count_if(ordered.begin(), ordered.end() - 1,
-                                          [own](const auto &one) { return one.getScore() > own; });
-        return QStringLiteral("B would be number %1 of %2 in the list (combined score)\n")
-            .arg(better + 1)
-            .arg(ordered.size());
+        return ::standingOf(machine, unit, machines.mid(0, machines.size() - 1), ranked);
     }
 
 private:
@@ -166,6 +151,8 @@ exitCode compareCommand(const compareRequest &wanted)
     writeText(comparisonText(comparison, {first->title, second->title}, tableColumns()), stdout);
     if (comparison.tests.empty())
         return complain(consoleRunnerName(), QStringLiteral("the two have no test in common"));
-    writeText(list.placeOf(second->machine), stdout);
+    writeText(standingsText(list.standingOf(first->machine, second->machine),
+                            list.standingOf(second->machine, second->machine)),
+              stdout);
     return exitSuccess;
 }

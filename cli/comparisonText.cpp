@@ -110,3 +110,17 @@ QString comparisonText(const runComparison &comparison, const comparedTitles &ti
            + missingText(comparison.otherResolution,
                          QStringLiteral("not the same resolution, so not compared"));
 }
+
+QString standingsText(const std::optional<standing> &first, const std::optional<standing> &second)
+{
+    if (!second)
+        return {};
+    const auto place = [](const char *side, const standing &of) {
+        return QStringLiteral("%1 has %2, place %3")
+            .arg(QString::fromLatin1(side), QString::number(of.score, 'f', 1))
+            .arg(of.place);
+    };
+    return QStringLiteral("Combined score among the %1 machines of the list: %2%3\n")
+        .arg(second->machines)
+        .arg(first ? place("A", *first) + QStringLiteral("; ") : QString(), place("B", *second));
+}

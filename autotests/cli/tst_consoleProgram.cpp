@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/consoleRunner.h"
 
+#include "support/consoleProgram.h"
 #include "support/dataDirectory.h"
 #include "support/tlsServer.h"
 
@@ -14,39 +15,6 @@ namespace
 
 /// A server that does not exist: these tests stay on this machine.
 const QString nobody = QStringLiteral("--server=127.0.0.1:1");
-
-/// The real program, in a process of its own.
-class program
-{
-public:
-    explicit program(const QStringList &arguments)
-    {
-        process.start(QStringLiteral(FENNICK_CLI), arguments);
-    }
-    /// The exit code, after which both outputs are complete; -1 for a crash or no end.
-    int exitCode()
-    {
-        if (!process.waitForFinished(120'000) || process.exitStatus() != QProcess::NormalExit)
-            return -1;
-        out += QString::fromLocal8Bit(process.readAllStandardOutput());
-        err += QString::fromLocal8Bit(process.readAllStandardError());
-        return process.exitCode();
-    }
-    /// Waits until the standard output holds @p text.
-    bool waitFor(const QString &text)
-    {
-        while (!out.contains(text)) {
-            if (!process.waitForReadyRead(60'000))
-                return false;
-            out += QString::fromLocal8Bit(process.readAllStandardOutput());
-        }
-        return true;
-    }
-
-    QProcess process;
-    QString out;
-    QString err;
-};
 
 } // namespace
 
@@ -130,7 +98,7 @@ void tst_consoleProgram::programListsAndExits()
     QFETCH(QStringList, arguments);
     QFETCH(int, code);
     QFETCH(QString, text);
-    program p(arguments);
+    consoleProgram p(arguments);
     QCOMPARE(p.exitCode(), code);
     const QString &used = code == 0 ? p.out : p.err;
     QVERIFY2(used.contains(text), qPrintable(used));
@@ -142,8 +110,8 @@ void tst_consoleProgram::programListsAndExits()
 
 void tst_consoleProgram::programRunsATest()
 {
-    program p({QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
-               QStringLiteral("--resolution=320x240"), nobody});
+    consoleProgram p({QStringLiteral("--test=mandel"), QStringLiteral("--time=1"),
+                      QStringLiteral("--resolution=320x240"), nobody});
     QCOMPARE(p.exitCode(), 0);
     QVERIFY(p.out.startsWith(QStringLiteral("Found ")));
     QVERIFY(p.out.contains(
@@ -207,7 +175,7 @@ void tst_consoleProgram::programIsInterrupted()
 #ifdef Q_OS_UNIX
     QFETCH(int, signal);
     QFETCH(int, code);
-    program p({QStringLiteral("--time=600"), nobody});
+    consoleProgram p({QStringLiteral("--time=600"), nobody});
     QVERIFY(p.waitFor(QStringLiteral("Test ")));
     ::kill(static_cast<pid_t>(p.process.processId()), signal);
     QCOMPARE(p.exitCode(), code);
@@ -249,7 +217,8 @@ void tst_consoleProgram::secondInterruptEndsTheProgram()
     // A round of this test takes seconds. Should one end just between the two signals, the first
     // one ends the program, and another try is due.
     for (int attempt = 0; attempt < 5; ++attempt) {
-        program p({QStringLiteral("--time=600"), QStringLiteral("--test=shellsort"), nobody});
+        consoleProgram p(
+            {QStringLiteral("--time=600"), QStringLiteral("--test=shellsort"), nobody});
         QVERIFY(p.waitFor(QStringLiteral("Test ")));
         const auto id = static_cast<pid_t>(p.process.processId());
         ::kill(id, SIGINT);

@@ -51,6 +51,7 @@ private slots:
     void nothingMovesTheCursor();
     void comparison();
     void bars();
+    void standings();
 };
 
 void tst_runText::table()
@@ -187,6 +188,18 @@ void tst_runText::bars()
     QCOMPARE(lines.at(6).mid(28), QStringLiteral("######     |"));
     QCOMPARE(lines.at(7).mid(28), QStringLiteral("#          |"));
     QVERIFY(comparisonText(compared, {}, 36).indexOf(QLatin1Char('#')) < 0);
+}
+
+void tst_runText::standings()
+{
+    const standing first = {181.26, 12, 167};
+    const standing second = {100, 41, 167};
+    const QString list = QStringLiteral("Combined score among the 167 machines of the list: ");
+    QCOMPARE(standingsText(first, second),
+             list + QStringLiteral("A has 181.3, place 12; B has 100.0, place 41\n"));
+    QCOMPARE(standingsText(std::nullopt, second), list + QStringLiteral("B has 100.0, place 41\n"));
+    // Without the one that is 100 there is no score at all.
+    QCOMPARE(standingsText(first, std::nullopt), QString());
 }
 
 QTEST_APPLESS_MAIN(tst_runText)
