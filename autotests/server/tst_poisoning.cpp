@@ -264,14 +264,12 @@ void tst_poisoning::spellings()
 
 void tst_poisoning::disguises()
 {
-    int address = 0;
     for (const char *name :
          {"Core i9 (est.)", "Core i9 (EST.)", "Core i9 ( e s t )", "Core i9 \uFF08est.\uFF09",
           "\u042D\u043B (\u0435\u0455\u0442.)", "unknown", "UNKN0WN", "Un known CPU"}) {
         const benchResults machine = wholeRun(QString::fromUtf8(name));
         QVERIFY2(!checkUpload("<F>" + canonicalXml(machine) + "</F>"), name);
         // Nor does it count where it comes from an older database, whatever an operator says.
-        ++address;
         QVERIFY(store->add(threeSources(machine)));
     }
     QCOMPARE(states(), QStringList(QStringLiteral("held")));

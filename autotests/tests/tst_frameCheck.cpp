@@ -2,66 +2,16 @@
 #include "tests/frameCheck.h"
 
 #include "support/fakeTest.h"
-#include "tests/suite.h"
+#include "support/meddledTest.h"
 
 #include <QtTest>
 
-#include <functional>
 #include <omp.h>
 
 namespace
 {
 
 constexpr int smallFrames = 640 * 480;
-
-/// A test of the suite whose frame somebody meddles with after each round.
-class meddledTest : public testBase
-{
-public:
-    using meddler = std::function<void(testBase &, int round)>;
-
-    meddledTest(std::unique_ptr<testBase> meddled, meddler what)
-        : inner(std::move(meddled)),
-          meddle(std::move(what))
-    {
-    }
-    bool setup(int newWidth, int newHeight) override
-    {
-        round = 0;
-        return testBase::setup(newWidth, newHeight) && inner->setup(newWidth, newHeight);
-    }
-    void release() override
-    {
-        inner->release();
-        testBase::release();
-    }
-    QString getName() const override { return inner->getName(); }
-    void preRun() override { inner->preRun(); }
-    void run() override { inner->run(); }
-    void postRun() override
-    {
-        inner->postRun();
-        meddle(*inner, ++round);
-        std::copy_n(inner->getBuffer(), getWidth() * getHeight(), getBuffer());
-    }
-    float getWork() const override { return inner->getWork(); }
-    QString getUnit() const override { return inner->getUnit(); }
-    bool isMulticore() const override { return inner->isMulticore(); }
-
-private:
-    std::unique_ptr<testBase> inner;
-    meddler meddle;
-    int round = 0;
-};
-
-std::unique_ptr<testBase> testOf(const char *name)
-{
-    for (auto &test : makeSuite(nullptr)) {
-        if (test->getName() == QLatin1String(name))
-            return std::move(test);
-    }
-    return nullptr;
-}
 
 } // namespace
 
@@ -117,14 +67,14 @@ void tst_frameCheck::oneBit()
         if (test.getWidth() == 321 && round == 4)
             test.getBuffer()[321 * 241 / 3] ^= 1U << static_cast<unsigned>(bit);
     };
-    meddledTest test(testOf(name.constData()), flip);
+    meddledTest test(suiteTest(name.constData()), flip);
     QCOMPARE(checkFrames(test, smallFrames), digestVerdict::wrong);
 }
 
 /// A frame of which the lower half was never drawn.
 void tst_frameCheck::workLeftOut()
 {
-    meddledTest test(testOf("mandel"), [](testBase &drawn, int) {
+    meddledTest test(suiteTest("mandel"), [](testBase &drawn, int) {
         const int half = drawn.getWidth() * drawn.getHeight() / 2;
         std::fill_n(drawn.getBuffer() + half, half, opaqueBlack);
     });
@@ -135,7 +85,7 @@ void tst_frameCheck::cannotTell()
 {
     fakeTest unknown(QStringLiteral("no such test"), nullptr);
     QCOMPARE(checkFrames(unknown, smallFrames), digestVerdict::cannotTell);
-    const auto mandel = testOf("mandel");
+    const auto mandel = suiteTest("mandel");
     QCOMPARE(checkFrames(*mandel, 100), digestVerdict::cannotTell);
 
     fakeTest impossible(QStringLiteral("mandel"), nullptr);
