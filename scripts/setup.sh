@@ -66,6 +66,9 @@ need_test_tools() {
     need has_program haproxy haproxy
     need has_program nginx nginx-light
     need has_command openssl openssl
+    need has_command man man-db
+    need has_command desktop-file-validate desktop-file-utils
+    need has_command appstreamcli appstream
     need_style_tools
 }
 
