@@ -8,6 +8,7 @@
 #   SUITE      a release that debootstrap knows: trixie (the default), bookworm, ...
 #   DIRECTORY  for base system, packages, compiler cache and logs, which are kept:
 #              build/distributions/SUITE if absent; its file system must not be mounted nosuid
+# shellcheck disable=SC2016 # the dollar signs in single quotes are for dpkg-query
 set -euo pipefail
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
