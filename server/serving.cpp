@@ -86,9 +86,12 @@ outcome<void> checkDatabase(const databaseAddress &address)
     return store.open().and_then([&store] { return store.checkWritable(); });
 }
 
+/// As it is written in a URL.
 QString placeOf(const listenAddress &wanted, int port)
 {
-    return QStringLiteral("%1:%2").arg(wanted.host, QString::number(port));
+    const bool isIpv6 = wanted.host.contains(QLatin1Char(':'));
+    return (isIpv6 ? QStringLiteral("[%1]:%2") : QStringLiteral("%1:%2"))
+        .arg(wanted.host, QString::number(port));
 }
 
 /// Has @p service listen. Where it does.

@@ -352,6 +352,14 @@ void tst_serverProgram::portInUse()
     QCOMPARE(second.err, QStringLiteral("fennick-server: cannot listen on %1; is something else "
                                         "listening there? (Address already in use)\n")
                              .arg(server.host()));
+    // An address that is nobody's, written as it was given.
+    const auto nowhere = serverProcess::run({QStringLiteral("serve"), QStringLiteral("--listen"),
+                                             QStringLiteral("[2001:db8::1]:8426"),
+                                             QStringLiteral("--database"), sqlite()});
+    QCOMPARE(nowhere.code, 1);
+    QVERIFY2(nowhere.err.startsWith(
+                 QStringLiteral("fennick-server: cannot listen on [2001:db8::1]:8426; ")),
+             qPrintable(nowhere.err));
 }
 
 void tst_serverProgram::wrongArguments()
