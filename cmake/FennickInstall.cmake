@@ -58,8 +58,8 @@ if(FENNICK_HOMEPAGE)
   </screenshots>
 ")
 endif()
-configure_file(packaging/org.fennick.Fennick.metainfo.xml.in
-    "${PROJECT_BINARY_DIR}/org.fennick.Fennick.metainfo.xml" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/org.fennick.Fennick.metainfo.xml"
+configure_file(packaging/org.fennick.fennick.metainfo.xml.in
+    "${PROJECT_BINARY_DIR}/org.fennick.fennick.metainfo.xml" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/org.fennick.fennick.metainfo.xml"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT benchmark)
 install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT benchmark)

@@ -95,9 +95,11 @@ boot() {
 	END
     chroot "$root" systemctl enable -q check.service
     rm -f "$root/well"
+    unmount_root # it has mounts of its own
     # A namespace of the network of its own: the port may be taken here.
     timeout --kill-after=10 180 systemd-nspawn -q -D "$root" --register=no --keep-unit --private-network \
         --boot > "$directory/logs/packages-boot.log" 2>&1 < /dev/null || true
+    mount_root
     cat "$root/check.log" >> "$directory/logs/packages-boot.log" 2> /dev/null || true
     if [ -e "$root/well" ]; then
         say "$suite: a real systemd starts the service and its timer: well"
@@ -112,6 +114,7 @@ boot() {
 use_packages() {
     remove_root
     fresh_root root
+    rm "$root/usr/sbin/policy-rc.d" # nothing runs here that could be started
     mkdir "$root/made"
     cp "$directory"/made/*.deb "$root/made/"
     older_packages
@@ -151,7 +154,7 @@ use_packages() {
         ! command -v fennick fennick-cli fennick-server
         test -s /var/lib/fennick-server/results.sqlite'
     check "and purged" bash -ec '
-        DEBIAN_FRONTEND=noninteractive apt-get purge -y fennick fennick-server
+        dpkg --purge fennick fennick-server
         ! dpkg-query -W fennick fennick-server
         test -s /var/lib/fennick-server/results.sqlite
         find / -xdev -name "*fennick*" -not -path "/var/lib/fennick-server*" -not -path "/srv/*" \

@@ -42,14 +42,8 @@ fresh_root() {
     apt_settings > "$root/etc/apt/apt.conf.d/90host"
     printf '#!/bin/sh\nexit 101\n' > "$root/usr/sbin/policy-rc.d" # nothing that is installed starts
     chmod +x "$root/usr/sbin/policy-rc.d"
-    mount -t proc proc "$root/proc"
-    mount -t sysfs -o ro sysfs "$root/sys"
-    mount --bind /dev "$root/dev"
-    mount -t devpts devpts "$root/dev/pts"
-    mount -t tmpfs tmpfs "$root/dev/shm"
-    mount --bind "$directory/packages" "$root/var/cache/apt/archives"
     mkdir -p "$root/var/cache/ccache" "$root$checkout"
-    mount --bind "$directory/ccache" "$root/var/cache/ccache"
+    mount_root
     home=/root
     if [ "$1" != root ]; then
         home=/home/$1
@@ -60,11 +54,25 @@ fresh_root() {
     chroot "$root" chown -R "$1:" "$checkout"
 }
 
-remove_root() {
+mount_root() {
+    mount -t proc proc "$root/proc"
+    mount -t sysfs -o ro sysfs "$root/sys"
+    mount --bind /dev "$root/dev"
+    mount -t devpts devpts "$root/dev/pts"
+    mount -t tmpfs tmpfs "$root/dev/shm"
+    mount --bind "$directory/packages" "$root/var/cache/apt/archives"
+    mount --bind "$directory/ccache" "$root/var/cache/ccache"
+}
+
+unmount_root() {
     local place
     for place in var/cache/apt/archives var/cache/ccache dev/shm dev/pts dev sys proc; do
         if mountpoint -q "$root/$place"; then umount --lazy "$root/$place"; fi
     done
+}
+
+remove_root() {
+    unmount_root
     rm -rf --one-file-system "$root"
 }
 
