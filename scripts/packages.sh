@@ -157,7 +157,7 @@ use_packages() {
         dpkg --purge fennick fennick-server
         ! dpkg-query -W fennick fennick-server
         test -s /var/lib/fennick-server/results.sqlite
-        find / -xdev -name "*fennick*" -not -path "/var/lib/fennick-server*" -not -path "/srv/*" \
+        find / -xdev -name "*fennick*" -not -path "/var/lib/fennick-server*" -not -path "$HOME/*" -not -path "/srv/*" \
             -not -path "/made/*" -not -path "/proc/*" -not -path "/var/cache/*" | tee /dev/stderr | grep -c . | grep -qx 0'
     check "the libraries are used by another program" bash -ec '
         DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends cmake g++ make /made/libfennick-dev*.deb
