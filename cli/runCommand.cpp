@@ -7,7 +7,6 @@
 #include "cli/preparation.h"
 #include "cli/progressLine.h"
 #include "cli/runTests.h"
-#include "cli/runText.h"
 #include "cli/signalStop.h"
 #include "cli/testChoice.h"
 #include "cli/verifyCommand.h"
@@ -17,6 +16,7 @@
 #include "data/instanceLock.h"
 #include "data/runRecorder.h"
 #include "data/runStore.h"
+#include "data/runText.h"
 #include "engine/hookList.h"
 
 #include <QThread>
@@ -94,7 +94,7 @@ void prepare(const runRequest &wanted, instanceLock &lock, stopHook &stop)
          disturbancesOf(readMachineContext(), readMachineMoment(), thisBuild(),
                         thisMachine().threads, isOtherRunning)) {
         if (one.how == disturbance::warning)
-            say(QStringLiteral("warning: %1; %2").arg(one.sentence, one.remedy));
+            say(warningText(one));
     }
 }
 

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/mainwindow.h"
 
-#include "data/instanceLock.h"
-#include "data/runRecorder.h"
+#include "data/examination.h"
 #include "data/runStore.h"
 #include "engine/benchBase.h"
 #include "ui/compareWindow.h"
 #include "ui/displayWidget.h"
 #include "ui/logKeeper.h"
+#include "ui/observedRun.h"
 #include "ui/resultwindow.h"
+#include "ui/runStatus.h"
+#include "ui/textPage.h"
+#include "ui/trustNotes.h"
+#include "ui/waitSplash.h"
+#include "ui/watchedDatabase.h"
 #include "ui_mainwindow.h"
 
 #include <QApplication>
@@ -38,13 +43,17 @@ QFont platformFont()
 MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
                        std::unique_ptr<onlineDatabase> database)
     : QMainWindow(parent),
-      ui(std::make_unique<Ui::MainWindow>())
+      ui(std::make_unique<Ui::MainWindow>()),
+      trust(std::make_unique<trustNotes>(examination)),
+      splash(std::make_unique<waitSplash>())
 {
     ui->setupUi(this);
+    addStatus();
     ui->calcComboBox->setMinimumHeight(0);
     ui->resolutionComboBox->setMinimumHeight(0);
     new logKeeper(ui->debugBox);
-    runner = std::make_unique<benchBase>(this, this, this, tests(this), std::move(database));
+    runner =
+        std::make_unique<benchBase>(this, this, this, tests(this), watched(std::move(database)));
     setWindowTitle(runner->getTitle());
     fillChoosers();
     addDisplay();
@@ -52,6 +61,7 @@ MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
     ui->checkBoxClocks->setEnabled(false);
     loadStandardReferenceData();
     ui->pushButtonStop->hide();
+    splash.reset();
 }
 
 MainWindow::~MainWindow() = default;
@@ -69,6 +79,36 @@ void MainWindow::addDisplay()
     display->setMinimumSize(10, 10);
     display->hide();
     ui->gridLayout->addWidget(display, 0, 0);
+}
+
+void MainWindow::addStatus()
+{
+    QFont font = platformFont();
+    font.setWeight(QFont::Normal);
+    ui->statusBar->setFont(font);
+    status = new runStatus(ui->statusBar);
+    connect(status->detailsButton(), &QPushButton::clicked, this, [this] { showDetails(); });
+    // The window comes first.
+    QTimer::singleShot(0, this, [this] { warnBeforeRun(); });
+}
+
+std::unique_ptr<onlineDatabase> MainWindow::watched(std::unique_ptr<onlineDatabase> database)
+{
+    if (!database)
+        return nullptr;
+    const auto starts = [this](const QString &text) {
+        if (splash)
+            splash->start(text);
+        else
+            status->startWaiting(text);
+    };
+    const auto ends = [this] {
+        if (splash)
+            splash->end();
+        else
+            status->endWaiting();
+    };
+    return std::make_unique<watchedDatabase>(std::move(database), starts, ends);
 }
 
 void MainWindow::connectControls()
@@ -122,6 +162,7 @@ bool MainWindow::isStopRequested()
 
 void MainWindow::benchStart()
 {
+    warnBeforeRun();
     const QVector<testBase *> tests = runner->getTests();
     const auto count = static_cast<int>(std::count_if(
         tests.begin(), tests.end(), [](const testBase *test) { return !test->isSingleOnly(); }));
@@ -134,7 +175,7 @@ void MainWindow::benchStart()
     prepareDisplay(true, count);
     runState.runStateChanged(true);
     showFrames();
-    const bool isStopped = runRecorded();
+    const bool isStopped = runRecorded(count);
     if (!isStopped) {
         runner->storeUserData();
         if (!ui->checkBoxDisableResultUpload->isChecked())
@@ -145,31 +186,51 @@ void MainWindow::benchStart()
     ui->compareButton->click();
 }
 
-bool MainWindow::runRecorded()
+bool MainWindow::runRecorded(int testCount)
 {
-    instanceLock lock;
-    if (!lock.hold() && lock.isOtherRunning())
-        note(tr("Another Fennick measures at the same time: the results of both suffer"));
     runSettings settings;
     settings.testTime = benchBase::standardTestTime;
-    runRecorder recorder(settings);
-    runner->setMeasurementHook(&recorder);
+    observedRun run(*runner, *status, settings, testCount);
     const bool isStopped = runner->runBenchmark();
-    runner->setMeasurementHook(nullptr);
-    const auto kept = runStore::ofUser().append(recorder.finish(isStopped));
-    if (!kept)
-        note(tr("The run is not kept: %1").arg(kept.error()));
+    const runRecord record = run.finish(isStopped);
+    const auto kept = runStore::ofUser().append(record);
+    trust->afterRun(record, kept ? QString() : tr("The run is not kept: %1").arg(kept.error()));
+    status->setNote(trust->line());
     return isStopped;
 }
 
-void MainWindow::note(const QString &text)
+bool MainWindow::runSingleRecorded(const QString &testName, const QString &resolutionName)
 {
-    ui->statusBar->setFont(platformFont());
-    ui->statusBar->showMessage(text);
+    runSettings settings;
+    settings.wanted = runSettings::someTests;
+    settings.testTime = chosenTestTime();
+    observedRun run(*runner, *status, settings, 1);
+    const bool isRun = runner->runSingleTest(testName, resolutionName);
+    trust->afterRun(run.finish(isStopRequested()));
+    status->setNote(trust->line());
+    return isRun;
+}
+
+void MainWindow::setExamination(const std::function<doctorSubject()> &look)
+{
+    trust = std::make_unique<trustNotes>(look);
+}
+
+void MainWindow::warnBeforeRun()
+{
+    trust->beforeRun();
+    status->setNote(trust->line());
+}
+
+void MainWindow::showDetails()
+{
+    auto *page = new textPage(tr("details"), trust->page(), this);
+    page->show();
 }
 
 void MainWindow::benchSingleStart()
 {
+    warnBeforeRun();
     showFrames();
     const QString testName = ui->calcComboBox->currentText();
     const QString resolutionName = ui->resolutionComboBox->currentText();
@@ -179,7 +240,7 @@ void MainWindow::benchSingleStart()
     stopFlag = false;
     ui->pushButtonStop->show();
     do {
-        const bool isRun = runner->runSingleTest(testName, resolutionName) && chosenTestTime() > 0;
+        const bool isRun = runSingleRecorded(testName, resolutionName) && chosenTestTime() > 0;
         if (isRepeated && !isRun)
             waitForNextTry();
     } while (isRepeated && !isStopRequested());
