@@ -2,27 +2,29 @@
 #include "ui/mainwindow.h"
 
 #include "data/examination.h"
-#include "data/runStore.h"
 #include "engine/benchBase.h"
 #include "ui/compareWindow.h"
+#include "ui/controlTexts.h"
 #include "ui/displayWidget.h"
+#include "ui/focusRing.h"
 #include "ui/logKeeper.h"
-#include "ui/observedRun.h"
+#include "ui/readableSheet.h"
 #include "ui/resultwindow.h"
 #include "ui/runStatus.h"
 #include "ui/textPage.h"
 #include "ui/trustNotes.h"
 #include "ui/waitSplash.h"
 #include "ui/watchedDatabase.h"
+#include "ui/windowKeys.h"
 #include "ui_mainwindow.h"
 
 #include <QApplication>
 #include <QFontInfo>
 #include <QMessageBox>
+#include <QShortcut>
+#include <QStyledItemDelegate>
 #include <QTextCursor>
 #include <QTimer>
-
-#include <algorithm>
 
 namespace
 {
@@ -61,6 +63,7 @@ MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
     ui->checkBoxClocks->setEnabled(false);
     loadStandardReferenceData();
     ui->pushButtonStop->hide();
+    openToEverybody();
     splash.reset();
 }
 
@@ -111,6 +114,45 @@ std::unique_ptr<onlineDatabase> MainWindow::watched(std::unique_ptr<onlineDataba
     return std::make_unique<watchedDatabase>(std::move(database), starts, ends);
 }
 
+void MainWindow::openToEverybody()
+{
+    ui->centralWidget->setStyleSheet(readableSheet());
+    // The style's own way of painting a list of choices knows nothing of the sheet.
+    for (QComboBox *chooser : findChildren<QComboBox *>())
+        chooser->setItemDelegate(new QStyledItemDelegate(chooser));
+    ui->debugBox->setTabChangesFocus(true);
+    controlTexts::apply(*this);
+    controlTexts::describeTests(*ui->calcComboBox);
+    windowKeys::orderControls(*this);
+    new enterPresses(this);
+    new focusRing(this);
+    addKey(Qt::Key_Escape, [this] { stopByKey(); });
+    addKey(QKeySequence(QStringLiteral("Ctrl+Q")), [this] { quitByKey(); });
+    addKey(Qt::Key_F1, [this] { showHelp(); });
+    ui->benchButton->setFocus();
+}
+
+void MainWindow::addKey(const QKeySequence &key, const std::function<void()> &pressed)
+{
+    auto *shortcut = new QShortcut(key, this);
+    shortcut->setAutoRepeat(false);
+    connect(shortcut, &QShortcut::activated, this, pressed);
+}
+
+void MainWindow::quitByKey()
+{
+    if (isRunning)
+        close();
+    else
+        doClose();
+}
+
+void MainWindow::showHelp()
+{
+    auto *page = new textPage(tr("help"), windowKeys::helpPage(), this);
+    page->show();
+}
+
 void MainWindow::connectControls()
 {
     const auto onClick = [this](QPushButton *button, void (MainWindow::*slot)()) {
@@ -134,83 +176,6 @@ void MainWindow::print(const QString &text)
     ui->debugBox->insertPlainText(text);
 }
 
-void MainWindow::updateStart(testBase *test)
-{
-    display->setTest(test);
-}
-
-void MainWindow::updateProgress(testBase *, int elapsedMs)
-{
-    display->setFrameTime(elapsedMs);
-    update();
-    QCoreApplication::processEvents();
-}
-
-void MainWindow::updateEnd(testBase *)
-{
-    if (!display)
-        return;
-    // The frame is about to be freed, and the window can be painted before another one comes.
-    display->setTest(nullptr);
-    display->setTestIndex(display->testIndex() + 1);
-}
-
-bool MainWindow::isStopRequested()
-{
-    return stopFlag;
-}
-
-void MainWindow::benchStart()
-{
-    warnBeforeRun();
-    const QVector<testBase *> tests = runner->getTests();
-    const auto count = static_cast<int>(std::count_if(
-        tests.begin(), tests.end(), [](const testBase *test) { return !test->isSingleOnly(); }));
-    runner->setTestTime(benchBase::standardTestTime);
-    const float seconds = runner->getTestTimeSeconds() * static_cast<float>(count);
-    if (!isConfirmed(tr("The benchmark will takes ~%1 seconds, are you ready?")
-                         .arg(static_cast<double>(seconds))))
-        return;
-
-    prepareDisplay(true, count);
-    runState.runStateChanged(true);
-    showFrames();
-    const bool isStopped = runRecorded(count);
-    if (!isStopped) {
-        runner->storeUserData();
-        if (!ui->checkBoxDisableResultUpload->isChecked())
-            runner->uploadResults();
-    }
-    showControls();
-    runState.runStateChanged(false);
-    ui->compareButton->click();
-}
-
-bool MainWindow::runRecorded(int testCount)
-{
-    runSettings settings;
-    settings.testTime = benchBase::standardTestTime;
-    observedRun run(*runner, *status, settings, testCount);
-    const bool isStopped = runner->runBenchmark();
-    const runRecord record = run.finish(isStopped);
-    const auto kept = runStore::ofUser().append(record);
-    trust->afterRun(record, kept ? QString() : tr("The run is not kept: %1").arg(kept.error()));
-    status->setNote(trust->line());
-    return isStopped;
-}
-
-bool MainWindow::runSingleRecorded(const QString &testName, const QString &resolutionName)
-{
-    runSettings settings;
-    settings.wanted = runSettings::someTests;
-    settings.testTime = chosenTestTime();
-    observedRun run(*runner, *status, settings, 1);
-    const bool isRun = runner->runSingleTest(testName, resolutionName);
-    trust->afterRun(run.finish(isStopRequested()));
-    status->setNote(trust->line());
-    return isRun;
-}
-
 void MainWindow::setExamination(const std::function<doctorSubject()> &look)
 {
     trust = std::make_unique<trustNotes>(look);
@@ -226,67 +191,6 @@ void MainWindow::showDetails()
 {
     auto *page = new textPage(tr("details"), trust->page(), this);
     page->show();
-}
-
-void MainWindow::benchSingleStart()
-{
-    warnBeforeRun();
-    showFrames();
-    const QString testName = ui->calcComboBox->currentText();
-    const QString resolutionName = ui->resolutionComboBox->currentText();
-    prepareDisplay(false, 0);
-    runner->setTestTime(chosenTestTime());
-    const bool isRepeated = ui->comboBoxAutoRepeat->currentText() == QLatin1String("on");
-    stopFlag = false;
-    ui->pushButtonStop->show();
-    do {
-        const bool isRun = runSingleRecorded(testName, resolutionName) && chosenTestTime() > 0;
-        if (isRepeated && !isRun)
-            waitForNextTry();
-    } while (isRepeated && !isStopRequested());
-    ui->pushButtonStop->hide();
-    stopFlag = false;
-    runner->setTestTime(benchBase::standardTestTime);
-    showControls();
-}
-
-int MainWindow::chosenTestTime() const
-{
-    const int seconds = ui->comboBoxSingleTestTime->currentText().toInt();
-    return static_cast<int>(static_cast<float>(seconds) * 1000.0F);
-}
-
-void MainWindow::waitForNextTry()
-{
-    constexpr int shortestWait = 1000;
-    QTimer timer;
-    timer.setSingleShot(true);
-    timer.start(std::max(chosenTestTime(), shortestWait));
-    while (timer.isActive() && !isStopRequested())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-void MainWindow::showFrames()
-{
-    ui->tabWidget->hide();
-    display->show();
-}
-
-void MainWindow::showControls()
-{
-    display->setTest(nullptr);
-    display->hide();
-    ui->tabWidget->show();
-}
-
-void MainWindow::prepareDisplay(bool isFullRun, int testCount)
-{
-    display->setShowProgress(isFullRun);
-    display->setShowClocks(ui->checkBoxClocks->isChecked());
-    if (!isFullRun)
-        return;
-    display->setTestIndex(0);
-    display->setTestCount(testCount);
 }
 
 bool MainWindow::isConfirmed(const QString &question)
@@ -363,4 +267,5 @@ void MainWindow::doClose()
 void MainWindow::closeEvent(QCloseEvent *)
 {
     stopFlag = true;
+    isClosed = true;
 }

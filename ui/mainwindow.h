@@ -7,6 +7,7 @@
 #include "ui/runStateNotifier.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -87,6 +88,14 @@ private:
     void warnBeforeRun();
     /// Shows all that is known of the latest run and of the machine.
     void showDetails();
+    void showHelp();
+    /// What people use beside the mouse: keys, marks of the focus, names for screen readers.
+    void openToEverybody();
+    void addKey(const QKeySequence &key, const std::function<void()> &pressed);
+    /// Ends a run that is going on. No other run will know of it.
+    void stopByKey();
+    /// The program may not be left by mistake, unless it is busy: then there is nobody to answer.
+    void quitByKey();
     /// Asks a question without a title. True unless the answer is No.
     bool isConfirmed(const QString &question);
     int chosenTestTime() const;
@@ -104,4 +113,8 @@ private:
     runStatus *status = nullptr;
     std::unique_ptr<trustNotes> trust;
     std::unique_ptr<waitSplash> splash; ///< until there is a window
+    bool isRunning = false;
+    bool isStoppedByKey = false;
+    bool isClosed = false;      ///< since the latest run began
+    QPointer<QWidget> hadFocus; ///< before the run
 };

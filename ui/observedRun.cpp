@@ -57,7 +57,8 @@ QString statusProgress::text() const
         const QString place =
             tr("%1 of %2")
                 .arg(QString::number(progress.place()), QString::number(progress.testCount()));
-        return QStringList({progress.testName(), place, left}).join(QStringLiteral(", "));
+        return QStringList({progress.testName(), place, left, tr("Esc stops")})
+            .join(QStringLiteral(", "));
     }
     QStringList parts = {progress.testName(), left};
     if (progress.rounds() > 0)

@@ -104,14 +104,14 @@ void tst_mainwindowProgress::fullRun()
     const boxAnswer answer(QMessageBox::Yes);
     f.button("benchButton")->click();
     // What stood there while a round was worked on was written before it.
-    QCOMPARE(
-        texts,
-        QStringList(
-            {QStringLiteral("one, 1 of 2, 0:16 left"), QStringLiteral("one, 1 of 2, 0:14 left"),
-             QStringLiteral("one, 1 of 2, 0:12 left"), QStringLiteral("one, 1 of 2, 0:10 left"),
-             QStringLiteral("many, 2 of 2, 0:08 left"), QStringLiteral("many, 2 of 2, 0:06 left"),
-             QStringLiteral("many, 2 of 2, 0:04 left"),
-             QStringLiteral("many, 2 of 2, 0:02 left")}));
+    QCOMPARE(texts, QStringList({QStringLiteral("one, 1 of 2, 0:16 left, Esc stops"),
+                                 QStringLiteral("one, 1 of 2, 0:14 left, Esc stops"),
+                                 QStringLiteral("one, 1 of 2, 0:12 left, Esc stops"),
+                                 QStringLiteral("one, 1 of 2, 0:10 left, Esc stops"),
+                                 QStringLiteral("many, 2 of 2, 0:08 left, Esc stops"),
+                                 QStringLiteral("many, 2 of 2, 0:06 left, Esc stops"),
+                                 QStringLiteral("many, 2 of 2, 0:04 left, Esc stops"),
+                                 QStringLiteral("many, 2 of 2, 0:02 left, Esc stops")}));
     QCOMPARE(values, QVector<int>({0, 125, 250, 375, 500, 625, 750, 875}));
     QVERIFY(isShown);
     QVERIFY(!bar->isVisible());

@@ -47,6 +47,7 @@ private slots:
     void closedBoxIsNo();
     void framesAreShownInAFullRun();
     void closeDuringAFullRun();
+    void closeDuringARunEndsTheProgram_data();
     void closeDuringARunEndsTheProgram();
     void singleRunIsStopped();
     void singleRunUsesTheChoices();
@@ -216,8 +217,18 @@ void tst_mainwindowRuns::closeDuringAFullRun()
     QVERIFY(!f.events.contains(QStringLiteral("many.setup")));
 }
 
+void tst_mainwindowRuns::closeDuringARunEndsTheProgram_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::newRow("single test") << QStringLiteral("singleTestButton");
+    // Its end opens the comparison, which must not outlive the program's window.
+    QTest::newRow("full run") << QStringLiteral("benchButton");
+}
+
 void tst_mainwindowRuns::closeDuringARunEndsTheProgram()
 {
+    QFETCH(QString, button);
+    const boxAnswer answer(QMessageBox::Yes);
     const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->onRun = [&] {
@@ -229,9 +240,11 @@ void tst_mainwindowRuns::closeDuringARunEndsTheProgram()
         isInTime = false;
         QApplication::exit(1);
     });
-    QTimer::singleShot(0, f.button("singleTestButton"), &QPushButton::click);
+    QTimer::singleShot(0, f.window->findChild<QPushButton *>(button), &QPushButton::click);
     QCOMPARE(QApplication::exec(), 0);
     QVERIFY(isInTime);
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        QVERIFY2(!window->isVisible(), qPrintable(window->windowTitle()));
     QVERIFY(f.events.contains(QStringLiteral("one.run")));
     QVERIFY(f.newLog().contains(QStringLiteral("stopped by user")));
 }
