@@ -18,6 +18,7 @@
 #include "ui/windowKeys.h"
 #include "ui_mainwindow.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFontInfo>
 #include <QMessageBox>
@@ -117,15 +118,18 @@ std::unique_ptr<onlineDatabase> MainWindow::watched(std::unique_ptr<onlineDataba
 void MainWindow::openToEverybody()
 {
     ui->centralWidget->setStyleSheet(readableSheet());
-    // The style's own way of painting a list of choices knows nothing of the sheet.
-    for (QComboBox *chooser : findChildren<QComboBox *>())
+    for (QComboBox *chooser : findChildren<QComboBox *>()) {
+        // The style's own way of painting a list of choices knows nothing of sheets.
         chooser->setItemDelegate(new QStyledItemDelegate(chooser));
+        chooser->view()->setStyleSheet(readableListSheet());
+    }
     ui->debugBox->setTabChangesFocus(true);
     controlTexts::apply(*this);
     controlTexts::describeTests(*ui->calcComboBox);
     windowKeys::orderControls(*this);
     new enterPresses(this);
     new focusRing(this);
+    new readableBoxes(this);
     addKey(Qt::Key_Escape, [this] { stopByKey(); });
     addKey(QKeySequence(QStringLiteral("Ctrl+Q")), [this] { quitByKey(); });
     addKey(Qt::Key_F1, [this] { showHelp(); });

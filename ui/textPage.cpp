@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/textPage.h"
 
+#include "ui/readableSheet.h"
+
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QPlainTextEdit>
@@ -10,13 +12,6 @@
 
 namespace
 {
-
-/// Its parents' sheets are made for large letters on buttons.
-const QString plain =
-    QStringLiteral("QWidget { color: black; background: white; }"
-                   "QPlainTextEdit { selection-color: white; selection-background-color: #1f4e89; }"
-                   "QPushButton { padding: 4px 16px; border: 1px solid #404040; }"
-                   "QPushButton:focus { border: 2px solid black; }");
 
 /// The system's font of fixed width is not always one, so known ones come first.
 QFont columnFont()
@@ -45,7 +40,7 @@ textPage::textPage(const QString &title, const QString &text, QWidget *parent) :
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(title);
-    setStyleSheet(plain);
+    setStyleSheet(readablePageSheet());
     auto *page = new QPlainTextEdit(text, this);
     page->setReadOnly(true);
     page->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

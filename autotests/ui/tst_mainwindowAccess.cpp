@@ -12,9 +12,11 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTabBar>
+#include <QToolTip>
 #include <QtTest>
 
 #include <cmath>
@@ -89,6 +91,8 @@ private slots:
     void contrastOfPalettes();
     void contrastOfMenus();
     void contrastOfPopups();
+    void contrastOfToolTips();
+    void contrastOfQuestions();
     void disabledLooksDisabled();
 
 private:
@@ -273,6 +277,54 @@ void tst_mainwindowAccess::contrastOfPopups()
         QVERIFY2(paintedContrast(shown(index)) >= readable, qPrintable(QString::number(index)));
     QVERIFY(contrast(shown(1).pixelColor(1, 1), shown(2).pixelColor(1, 1)) >= 3);
     chooser->hidePopup();
+}
+
+void tst_mainwindowAccess::contrastOfToolTips()
+{
+    const realWindow f;
+    for (const char *name : {"benchButton", "pushButtonDetails", "debugBox"}) {
+        auto *control = f.find<QWidget>(name);
+        QToolTip::showText(control->mapToGlobal(QPoint()), QStringLiteral("some words"), control);
+        QImage picture;
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            if (window->inherits("QTipLabel") && window->isVisible())
+                picture = window->grab().toImage();
+        }
+        QVERIFY2(!picture.isNull() && paintedContrast(picture) >= readable, name);
+        QToolTip::hideText();
+        // Tool tips go slowly, and the next is to be made anew.
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            if (window->inherits("QTipLabel"))
+                delete window;
+        }
+    }
+}
+
+void tst_mainwindowAccess::contrastOfQuestions()
+{
+    const realWindow f;
+    QMap<QString, double> contrasts;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &look, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        for (const QWidget *part : box->findChildren<QWidget *>()) {
+            const bool isText = part->inherits("QLabel") || part->inherits("QPushButton");
+            if (isText && !part->property("text").toString().isEmpty()) {
+                contrasts.insert(QString::fromLatin1(part->metaObject()->className()),
+                                 contrast(part->palette().color(part->foregroundRole()),
+                                          part->palette().color(part->backgroundRole())));
+            }
+        }
+        box->close();
+    });
+    look.start(5);
+    f.button("benchButton")->click();
+    f.button("pushButtonAbout")->click();
+    QCOMPARE(contrasts.size(), 2);
+    for (auto one = contrasts.cbegin(); one != contrasts.cend(); ++one)
+        QVERIFY2(*one >= readable, qPrintable(one.key() + QString::number(*one)));
 }
 
 void tst_mainwindowAccess::disabledLooksDisabled()

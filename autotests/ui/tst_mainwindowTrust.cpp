@@ -172,6 +172,7 @@ void tst_mainwindowTrust::pageIsReadOnly()
     QVERIFY(text->isReadOnly());
     QVERIFY(QFontInfo(text->font()).fixedPitch());
     QPointer<textPage> watched = page;
+    QApplication::setActiveWindow(page);
     QTest::keyClick(page, Qt::Key_Escape);
     QTRY_VERIFY(!watched);
     QVERIFY(f.window->isVisible());
