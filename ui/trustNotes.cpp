@@ -60,7 +60,7 @@ QString trustNotes::line() const
 
 QString trustNotes::page() const
 {
-    const QString machine = doctorPage(source());
+    QString machine = doctorPage(source());
     if (!latest)
         return machine;
     return unkept + (unkept.isEmpty() ? QString() : QStringLiteral("\n\n")) + runText(*latest)

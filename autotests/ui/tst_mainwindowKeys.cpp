@@ -251,8 +251,8 @@ void tst_mainwindowKeys::escapeDoesNothingElse()
     QVERIFY(f.window->isVisible());
     f.fakes.at(0)->onRun = [&] {
         fakeClock::pass(milliseconds(5));
-        f.window->close();
         f.press(Qt::Key_Escape);
+        f.window->close();
     };
     const boxAnswer answer(QMessageBox::Yes);
     f.button("benchButton")->click();
