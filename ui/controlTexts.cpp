@@ -2,7 +2,7 @@
 #include "ui/controlTexts.h"
 
 #include "data/httpDatabase.h"
-#include "data/testText.h"
+#include "tests/testText.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>

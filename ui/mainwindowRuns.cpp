@@ -13,6 +13,7 @@
 #include "ui/trustNotes.h"
 #include "ui_mainwindow.h"
 
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -69,8 +70,11 @@ void MainWindow::benchStart()
     runState.runStateChanged(false);
     ui->compareButton->click();
     // Who has closed the window wants the program to end, and no other window to keep it.
-    if (isClosed && compareWindowInstance)
-        compareWindowInstance->close();
+    if (isClosed && compareWindowInstance) {
+        compareWindowInstance->hide();
+        if (QThread::currentThread()->loopLevel() > 0)
+            QCoreApplication::exit(0);
+    }
 }
 
 bool MainWindow::runRecorded(int testCount)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/windowKeys.h"
 
-#include "data/testText.h"
 #include "tests/suiteFacts.h"
+#include "tests/testText.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "data/testText.h"
+#include "tests/testText.h"
 
 #include "tests/suiteFacts.h"
 
