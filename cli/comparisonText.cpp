@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/comparisonText.h"
 
-#include "cli/textTable.h"
+#include "data/textTable.h"
 #include "data/visibleText.h"
 
 #include <algorithm>

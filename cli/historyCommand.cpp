@@ -3,9 +3,9 @@
 
 #include "cli/commandTable.h"
 #include "cli/outputs.h"
-#include "cli/runText.h"
 #include "console/standardStreams.h"
 #include "data/runStore.h"
+#include "data/runText.h"
 
 outcome<runRecord> findRun(const QString &which)
 {

@@ -2,10 +2,7 @@
 #pragma once
 
 #include "cli/liveLine.h"
-#include "engine/measurementHook.h"
-
-#include <chrono>
-#include <vector>
+#include "data/runProgress.h"
 
 /// Tells in a line of the terminal which test is measured, the time that is left, and the running
 /// median of its results.
@@ -21,17 +18,8 @@ public:
 
 private:
     void show();
-    QString medianText() const;
 
     liveLine &line;
-    int count;
-    std::chrono::milliseconds time;
-    int place = 0;
-    const testBase *current = nullptr;
-    std::vector<std::chrono::nanoseconds> spans;
-    std::chrono::steady_clock::time_point testStart;
+    runProgress progress;
     std::chrono::steady_clock::time_point shown;
 };
-
-/// @p span as minutes and seconds, such as "2:24", rounded up.
-QString timeText(std::chrono::milliseconds span);

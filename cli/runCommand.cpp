@@ -7,7 +7,6 @@
 #include "cli/preparation.h"
 #include "cli/progressLine.h"
 #include "cli/runTests.h"
-#include "cli/runText.h"
 #include "cli/signalStop.h"
 #include "cli/testChoice.h"
 #include "cli/verifyCommand.h"
@@ -18,6 +17,7 @@
 #include "data/runRecorder.h"
 #include "data/runStore.h"
 #include "data/startingMoment.h"
+#include "data/runText.h"
 #include "engine/hookList.h"
 
 #include <QThread>
@@ -95,7 +95,7 @@ void prepare(const runRequest &wanted, instanceLock &lock, stopHook &stop)
     for (const disturbance &one : disturbancesOf(readMachineContext(), readStartingMoment(threads),
                                                  thisBuild(), threads, isOtherRunning)) {
         if (one.how == disturbance::warning)
-            say(QStringLiteral("warning: %1; %2").arg(one.sentence, one.remedy));
+            say(warningText(one));
     }
 }
 

@@ -162,6 +162,11 @@ QString reasonWord(disturbance::reason why)
     return found == std::end(rows) ? QString() : QString::fromLatin1(found->word);
 }
 
+QString warningText(const disturbance &one)
+{
+    return QStringLiteral("warning: %1; %2").arg(one.sentence, one.remedy);
+}
+
 double busyLoad(int threads)
 {
     return std::max(0.25, 0.1 * threads);

@@ -36,6 +36,9 @@ struct disturbance {
 /// The word of @p why in what programs read, such as "debug-build". It never changes.
 QString reasonWord(disturbance::reason why);
 
+/// @p one as a line for people: what is wrong, and what to do about it.
+QString warningText(const disturbance &one);
+
 /// The load from which on a machine of @p threads processors is too busy to be measured.
 /// What others use is missing in the multi-core tests, which use all processors; a tenth of them is
 /// more than a good result varies by. On a machine that does nothing the average still wanders

@@ -2,16 +2,23 @@
 #include "data/httpDatabase.h"
 #include "engine/computerName.h"
 #include "ui/mainwindow.h"
+#include "ui/screenFit.h"
 
 #include <QApplication>
 #include <QSysInfo>
 
 int main(int argc, char *argv[])
 {
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // A screen at 150 % is neither one at 100 % nor one at 200 %.
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("fennick"));
     provideComputerName(QSysInfo::machineHostName());
     MainWindow window(nullptr, makeSuite, std::make_unique<httpDatabase>());
+    screenFit::fit(window);
     window.show();
     return QApplication::exec();
 }

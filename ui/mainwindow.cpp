@@ -1,23 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/mainwindow.h"
 
-#include "data/instanceLock.h"
-#include "data/runRecorder.h"
-#include "data/runStore.h"
+#include "data/examination.h"
 #include "engine/benchBase.h"
 #include "ui/compareWindow.h"
+#include "ui/controlTexts.h"
 #include "ui/displayWidget.h"
+#include "ui/focusRing.h"
 #include "ui/logKeeper.h"
+#include "ui/readableSheet.h"
 #include "ui/resultwindow.h"
+#include "ui/runStatus.h"
+#include "ui/textPage.h"
+#include "ui/trustNotes.h"
+#include "ui/waitSplash.h"
+#include "ui/watchedDatabase.h"
+#include "ui/windowKeys.h"
 #include "ui_mainwindow.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFontInfo>
 #include <QMessageBox>
+#include <QShortcut>
+#include <QStyledItemDelegate>
 #include <QTextCursor>
 #include <QTimer>
-
-#include <algorithm>
 
 namespace
 {
@@ -38,13 +46,17 @@ QFont platformFont()
 MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
                        std::unique_ptr<onlineDatabase> database)
     : QMainWindow(parent),
-      ui(std::make_unique<Ui::MainWindow>())
+      ui(std::make_unique<Ui::MainWindow>()),
+      trust(std::make_unique<trustNotes>(examination)),
+      splash(std::make_unique<waitSplash>())
 {
     ui->setupUi(this);
+    addStatus();
     ui->calcComboBox->setMinimumHeight(0);
     ui->resolutionComboBox->setMinimumHeight(0);
     new logKeeper(ui->debugBox);
-    runner = std::make_unique<benchBase>(this, this, this, tests(this), std::move(database));
+    runner =
+        std::make_unique<benchBase>(this, this, this, tests(this), watched(std::move(database)));
     setWindowTitle(runner->getTitle());
     fillChoosers();
     addDisplay();
@@ -52,6 +64,8 @@ MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
     ui->checkBoxClocks->setEnabled(false);
     loadStandardReferenceData();
     ui->pushButtonStop->hide();
+    openToEverybody();
+    splash.reset();
 }
 
 MainWindow::~MainWindow() = default;
@@ -69,6 +83,78 @@ void MainWindow::addDisplay()
     display->setMinimumSize(10, 10);
     display->hide();
     ui->gridLayout->addWidget(display, 0, 0);
+}
+
+void MainWindow::addStatus()
+{
+    QFont font = platformFont();
+    font.setWeight(QFont::Normal);
+    ui->statusBar->setFont(font);
+    status = new runStatus(ui->statusBar);
+    connect(status->detailsButton(), &QPushButton::clicked, this, [this] { showDetails(); });
+    // The window comes first.
+    QTimer::singleShot(0, this, [this] { warnBeforeRun(); });
+}
+
+std::unique_ptr<onlineDatabase> MainWindow::watched(std::unique_ptr<onlineDatabase> database)
+{
+    if (!database)
+        return nullptr;
+    const auto starts = [this](const QString &text) {
+        if (splash)
+            splash->start(text);
+        else
+            status->startWaiting(text);
+    };
+    const auto ends = [this] {
+        if (splash)
+            splash->end();
+        else
+            status->endWaiting();
+    };
+    return std::make_unique<watchedDatabase>(std::move(database), starts, ends);
+}
+
+void MainWindow::openToEverybody()
+{
+    ui->centralWidget->setStyleSheet(readableSheet());
+    for (QComboBox *chooser : findChildren<QComboBox *>()) {
+        // The style's own way of painting a list of choices knows nothing of sheets.
+        chooser->setItemDelegate(new QStyledItemDelegate(chooser));
+        chooser->view()->setStyleSheet(readableListSheet());
+    }
+    ui->debugBox->setTabChangesFocus(true);
+    controlTexts::apply(*this);
+    controlTexts::describeTests(*ui->calcComboBox);
+    windowKeys::orderControls(*this);
+    new enterPresses(this);
+    new focusRing(this);
+    new readableBoxes(this);
+    addKey(Qt::Key_Escape, [this] { stopByKey(); });
+    addKey(QKeySequence(QStringLiteral("Ctrl+Q")), [this] { quitByKey(); });
+    addKey(Qt::Key_F1, [this] { showHelp(); });
+    ui->benchButton->setFocus();
+}
+
+void MainWindow::addKey(const QKeySequence &key, const std::function<void()> &pressed)
+{
+    auto *shortcut = new QShortcut(key, this);
+    shortcut->setAutoRepeat(false);
+    connect(shortcut, &QShortcut::activated, this, pressed);
+}
+
+void MainWindow::quitByKey()
+{
+    if (isRunning)
+        close();
+    else
+        doClose();
+}
+
+void MainWindow::showHelp()
+{
+    auto *page = new textPage(tr("help"), windowKeys::helpPage(), this);
+    page->show();
 }
 
 void MainWindow::connectControls()
@@ -94,138 +180,21 @@ void MainWindow::print(const QString &text)
     ui->debugBox->insertPlainText(text);
 }
 
-void MainWindow::updateStart(testBase *test)
+void MainWindow::setExamination(const std::function<doctorSubject()> &look)
 {
-    display->setTest(test);
+    trust = std::make_unique<trustNotes>(look);
 }
 
-void MainWindow::updateProgress(testBase *, int elapsedMs)
+void MainWindow::warnBeforeRun()
 {
-    display->setFrameTime(elapsedMs);
-    update();
-    QCoreApplication::processEvents();
+    trust->beforeRun();
+    status->setNote(trust->line());
 }
 
-void MainWindow::updateEnd(testBase *)
+void MainWindow::showDetails()
 {
-    if (!display)
-        return;
-    // The frame is about to be freed, and the window can be painted before another one comes.
-    display->setTest(nullptr);
-    display->setTestIndex(display->testIndex() + 1);
-}
-
-bool MainWindow::isStopRequested()
-{
-    return stopFlag;
-}
-
-void MainWindow::benchStart()
-{
-    const QVector<testBase *> tests = runner->getTests();
-    const auto count = static_cast<int>(std::count_if(
-        tests.begin(), tests.end(), [](const testBase *test) { return !test->isSingleOnly(); }));
-    runner->setTestTime(benchBase::standardTestTime);
-    const float seconds = runner->getTestTimeSeconds() * static_cast<float>(count);
-    if (!isConfirmed(tr("The benchmark will takes ~%1 seconds, are you ready?")
-                         .arg(static_cast<double>(seconds))))
-        return;
-
-    prepareDisplay(true, count);
-    runState.runStateChanged(true);
-    showFrames();
-    const bool isStopped = runRecorded();
-    if (!isStopped) {
-        runner->storeUserData();
-        if (!ui->checkBoxDisableResultUpload->isChecked())
-            runner->uploadResults();
-    }
-    showControls();
-    runState.runStateChanged(false);
-    ui->compareButton->click();
-}
-
-bool MainWindow::runRecorded()
-{
-    instanceLock lock;
-    if (!lock.hold() && lock.isOtherRunning())
-        note(tr("Another Fennick measures at the same time: the results of both suffer"));
-    runSettings settings;
-    settings.testTime = benchBase::standardTestTime;
-    runRecorder recorder(settings);
-    runner->setMeasurementHook(&recorder);
-    const bool isStopped = runner->runBenchmark();
-    runner->setMeasurementHook(nullptr);
-    const auto kept = runStore::ofUser().append(recorder.finish(isStopped));
-    if (!kept)
-        note(tr("The run is not kept: %1").arg(kept.error()));
-    return isStopped;
-}
-
-void MainWindow::note(const QString &text)
-{
-    ui->statusBar->setFont(platformFont());
-    ui->statusBar->showMessage(text);
-}
-
-void MainWindow::benchSingleStart()
-{
-    showFrames();
-    const QString testName = ui->calcComboBox->currentText();
-    const QString resolutionName = ui->resolutionComboBox->currentText();
-    prepareDisplay(false, 0);
-    runner->setTestTime(chosenTestTime());
-    const bool isRepeated = ui->comboBoxAutoRepeat->currentText() == QLatin1String("on");
-    stopFlag = false;
-    ui->pushButtonStop->show();
-    do {
-        const bool isRun = runner->runSingleTest(testName, resolutionName) && chosenTestTime() > 0;
-        if (isRepeated && !isRun)
-            waitForNextTry();
-    } while (isRepeated && !isStopRequested());
-    ui->pushButtonStop->hide();
-    stopFlag = false;
-    runner->setTestTime(benchBase::standardTestTime);
-    showControls();
-}
-
-int MainWindow::chosenTestTime() const
-{
-    const int seconds = ui->comboBoxSingleTestTime->currentText().toInt();
-    return static_cast<int>(static_cast<float>(seconds) * 1000.0F);
-}
-
-void MainWindow::waitForNextTry()
-{
-    constexpr int shortestWait = 1000;
-    QTimer timer;
-    timer.setSingleShot(true);
-    timer.start(std::max(chosenTestTime(), shortestWait));
-    while (timer.isActive() && !isStopRequested())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-void MainWindow::showFrames()
-{
-    ui->tabWidget->hide();
-    display->show();
-}
-
-void MainWindow::showControls()
-{
-    display->setTest(nullptr);
-    display->hide();
-    ui->tabWidget->show();
-}
-
-void MainWindow::prepareDisplay(bool isFullRun, int testCount)
-{
-    display->setShowProgress(isFullRun);
-    display->setShowClocks(ui->checkBoxClocks->isChecked());
-    if (!isFullRun)
-        return;
-    display->setTestIndex(0);
-    display->setTestCount(testCount);
+    auto *page = new textPage(tr("details"), trust->page(), this);
+    page->show();
 }
 
 bool MainWindow::isConfirmed(const QString &question)
@@ -302,4 +271,5 @@ void MainWindow::doClose()
 void MainWindow::closeEvent(QCloseEvent *)
 {
     stopFlag = true;
+    isClosed = true;
 }

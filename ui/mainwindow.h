@@ -7,6 +7,7 @@
 #include "ui/runStateNotifier.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -15,6 +16,12 @@ class benchBase;
 class compareWindow;
 class displayWidget;
 class resultwindow;
+class runStatus;
+class trustNotes;
+class waitSplash;
+struct doctorSubject;
+struct runRecord;
+struct runSettings;
 
 namespace Ui
 {
@@ -37,6 +44,9 @@ public:
     explicit MainWindow(QWidget *parent = nullptr, const suiteFactory &tests = makeSuite,
                         std::unique_ptr<onlineDatabase> database = nullptr);
     ~MainWindow() override;
+
+    /// Lets @p look tell of the machine, in place of a look at this one.
+    void setExamination(const std::function<doctorSubject()> &look);
 
     void updateStart(testBase *test) override;
     void updateProgress(testBase *test, int elapsedMs) override;
@@ -67,10 +77,25 @@ private:
     void showFrames();
     void showControls();
     void prepareDisplay(bool isFullRun, int testCount);
-    /// A full run, which is kept among the user's runs. True if the user stopped it.
-    bool runRecorded();
-    /// Shows @p text in the status bar; none takes it away.
-    void note(const QString &text);
+    void addStatus();
+    /// Tells of requests of @p database while they wait. None stays none.
+    std::unique_ptr<onlineDatabase> watched(std::unique_ptr<onlineDatabase> database);
+    /// A full run of @p testCount tests, which is kept among the user's runs. True if the user
+    /// stopped it.
+    bool runRecorded(int testCount);
+    /// A single test. False if it could not be run.
+    bool runSingleRecorded(const QString &testName, const QString &resolutionName);
+    void warnBeforeRun();
+    /// Shows all that is known of the latest run and of the machine.
+    void showDetails();
+    void showHelp();
+    /// What people use beside the mouse: keys, marks of the focus, names for screen readers.
+    void openToEverybody();
+    void addKey(const QKeySequence &key, const std::function<void()> &pressed);
+    /// Ends a run that is going on. No other run will know of it.
+    void stopByKey();
+    /// The program may not be left by mistake, unless it is busy: then there is nobody to answer.
+    void quitByKey();
     /// Asks a question without a title. True unless the answer is No.
     bool isConfirmed(const QString &question);
     int chosenTestTime() const;
@@ -85,4 +110,11 @@ private:
     resultwindow *resultWindowInstance = nullptr;
     std::unique_ptr<benchBase> runner;
     runStateNotifier runState;
+    runStatus *status = nullptr;
+    std::unique_ptr<trustNotes> trust;
+    std::unique_ptr<waitSplash> splash; ///< until there is a window
+    bool isRunning = false;
+    bool isStoppedByKey = false;
+    bool isClosed = false;      ///< since the latest run began
+    QPointer<QWidget> hadFocus; ///< before the run
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/runText.h"
+#include "data/runText.h"
 
 #include "cli/comparisonText.h"
-#include "cli/textTable.h"
+#include "data/textTable.h"
 
 #include <QtTest>
 

@@ -10,9 +10,9 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QStatusBar>
 #include <QtTest>
 
 namespace
@@ -47,6 +47,7 @@ private slots:
     void closedBoxIsNo();
     void framesAreShownInAFullRun();
     void closeDuringAFullRun();
+    void closeDuringARunEndsTheProgram_data();
     void closeDuringARunEndsTheProgram();
     void singleRunIsStopped();
     void singleRunUsesTheChoices();
@@ -124,32 +125,38 @@ void tst_mainwindowRuns::fullRunIsKept()
     QCOMPARE(kept->tests.size(), std::size_t(2));
     QCOMPARE(kept->tests.at(1).name, manyCores);
     QCOMPARE(kept->tests.at(1).end, testEnd::failed);
-    auto *notes = f.find<QStatusBar>("statusBar");
-    QCOMPARE(notes->currentMessage(), QString());
+    const auto *notes = f.find<QLabel>("labelStatus");
+    QVERIFY(notes->text().startsWith(
+        QStringLiteral("verdict: 0 of 2 tests good; no result: one, many")));
 
     QVERIFY(QDir(directory->path(QStringLiteral("runs"))).removeRecursively());
     QVERIFY(directory->write(QStringLiteral("runs"), "not a folder"));
     const boxAnswer secondAnswer(QMessageBox::Yes);
     f.button("benchButton")->click();
-    QVERIFY(notes->currentMessage().startsWith(QStringLiteral("The run is not kept: ")));
+    QVERIFY(notes->text().startsWith(QStringLiteral("The run is not kept: ")));
     QVERIFY(QFontInfo(notes->font()).pixelSize() > 5);
     QVERIFY(f.newLog().contains(QStringLiteral("Store userdata\n")));
 }
 
-/// Two that measure at once are in each other's way. The lock is gone after the run.
+/// Two that measure at once are in each other's way, so each says that it measures.
 void tst_mainwindowRuns::otherInstance()
 {
+    const fakeClock clock;
     windowFixture f;
-    for (fakeTest *test : qAsConst(f.fakes))
-        test->canSetup = false;
-    auto *notes = f.find<QStatusBar>("statusBar");
-    const boxAnswer answer(QMessageBox::Yes);
-    instanceLock other;
-    QVERIFY(other.hold());
-    f.button("benchButton")->click();
-    QVERIFY(notes->currentMessage().startsWith(QStringLiteral("Another Fennick measures")));
-    other.release();
-    QVERIFY(other.hold());
+    bool isSaid = false;
+    f.fakes.at(0)->onRun = [&] {
+        briefly();
+        isSaid = instanceLock().isOtherRunning() || !instanceLock().hold();
+        f.window->singleTestStop();
+    };
+    for (const char *button : {"singleTestButton", "benchButton"}) {
+        isSaid = false;
+        const boxAnswer answer(QMessageBox::Yes);
+        f.button(button)->click();
+        QVERIFY2(isSaid, button);
+        instanceLock other;
+        QVERIFY2(other.hold(), button);
+    }
 }
 
 void tst_mainwindowRuns::uploadIsDisabled()
@@ -210,8 +217,18 @@ void tst_mainwindowRuns::closeDuringAFullRun()
     QVERIFY(!f.events.contains(QStringLiteral("many.setup")));
 }
 
+void tst_mainwindowRuns::closeDuringARunEndsTheProgram_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::newRow("single test") << QStringLiteral("singleTestButton");
+    // Its end opens the comparison, which must not outlive the program's window.
+    QTest::newRow("full run") << QStringLiteral("benchButton");
+}
+
 void tst_mainwindowRuns::closeDuringARunEndsTheProgram()
 {
+    QFETCH(QString, button);
+    const boxAnswer answer(QMessageBox::Yes);
     const fakeClock clock;
     windowFixture f;
     f.fakes.at(0)->onRun = [&] {
@@ -223,9 +240,11 @@ void tst_mainwindowRuns::closeDuringARunEndsTheProgram()
         isInTime = false;
         QApplication::exit(1);
     });
-    QTimer::singleShot(0, f.button("singleTestButton"), &QPushButton::click);
+    QTimer::singleShot(0, f.window->findChild<QPushButton *>(button), &QPushButton::click);
     QCOMPARE(QApplication::exec(), 0);
     QVERIFY(isInTime);
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        QVERIFY2(!window->isVisible(), qPrintable(window->windowTitle()));
     QVERIFY(f.events.contains(QStringLiteral("one.run")));
     QVERIFY(f.newLog().contains(QStringLiteral("stopped by user")));
 }

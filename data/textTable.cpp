@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/textTable.h"
+#include "data/textTable.h"
 
 #include "data/visibleText.h"
 

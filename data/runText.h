@@ -10,6 +10,10 @@ QString runTitle(const runRecord &run);
 /// to be thought of it.
 QString runText(const runRecord &run);
 
+/// What is to be thought of @p run in one line, without an end: how many of its tests are good, and
+/// which are not, the worst first.
+QString verdictLine(const runRecord &run);
+
 /// What came of repetitions: the median of each test's results and their spread. Empty for a run
 /// without any.
 QString repetitionsText(const runRecord &run);

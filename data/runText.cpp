@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/runText.h"
+#include "data/runText.h"
 
-#include "cli/textTable.h"
 #include "data/runValues.h"
+#include "data/textTable.h"
 #include "data/verdict.h"
 #include "data/visibleText.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace
 {
@@ -81,6 +82,33 @@ QStringList rowOf(const testRun &test, const verdict &found)
             levelText(found.level) + endText(test.end) + framesText(test)};
 }
 
+struct judgedTest {
+    const testRun &test;
+    verdict found;
+};
+
+/// The names of those tests that @p isSought is true for, behind @p heading; empty without any.
+QString namesOf(const std::vector<judgedTest> &tests, const QString &heading,
+                const std::function<bool(const judgedTest &)> &isSought)
+{
+    QStringList names;
+    for (const judgedTest &one : tests) {
+        if (isSought(one))
+            names.append(visibleText(one.test.name).trimmed());
+    }
+    names.removeDuplicates();
+    return names.isEmpty() ? QString()
+                           : heading + QStringLiteral(": ") + names.join(QStringLiteral(", "));
+}
+
+bool isSlowerThanOneCore(const judgedTest &one)
+{
+    const std::vector<remark> &remarks = one.found.remarks;
+    return std::any_of(remarks.begin(), remarks.end(), [](const remark &found) {
+        return found.kind == remarkKind::slowerThanOneCore;
+    });
+}
+
 /// The geometric mean of @p run's results in relation to those of @p base.
 QString relation(const runRecord &run, const runRecord &base)
 {
@@ -129,6 +157,30 @@ QString runTitle(const runRecord &run)
     return QStringLiteral("%1, %2 X%3, Fennick %4")
         .arg(dateText(run.started), visibleText(run.machine.processor).simplified(),
              QString::number(run.machine.threads), visibleText(run.build.version));
+}
+
+QString verdictLine(const runRecord &run)
+{
+    std::vector<judgedTest> tests;
+    for (const testRun &test : run.tests)
+        tests.push_back({test, verdictOf(test, run)});
+    const auto isLevel = [](steadiness level) {
+        return
+            [level](const judgedTest &one) { return one.test.value() && one.found.level == level; };
+    };
+    const auto good = std::count_if(tests.begin(), tests.end(), isLevel(steadiness::good));
+    QStringList parts = {
+        QStringLiteral("verdict: %1 of %2 tests good").arg(good).arg(tests.size())};
+    parts.append(namesOf(tests, endText(testEnd::failed),
+                         [](const judgedTest &one) { return !one.test.value(); }));
+    parts.append(namesOf(tests, QStringLiteral("slower than one core"), isSlowerThanOneCore));
+    for (const steadiness level :
+         {steadiness::unsteady, steadiness::noisy, steadiness::tooFewRounds})
+        parts.append(namesOf(tests, levelText(level), isLevel(level)));
+    for (const remark &one : remarksOf(run))
+        parts.append(one.sentence);
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral("; "));
 }
 
 QString repetitionsText(const runRecord &run)
