@@ -7,6 +7,7 @@
 #include "cli/liveLine.h"
 #include "cli/runText.h"
 #include "console/standardStreams.h"
+#include "data/placing.h"
 #include "data/rankedTests.h"
 #include "data/runStore.h"
 #include "data/runValues.h"
@@ -75,12 +76,12 @@ public:
         const ranking::gaps gaps = ranking::gapsOf(ordered, ranked, wanted);
         if (ordered.isEmpty() || gaps.bars > 0 || gaps.results < gaps.tests)
             return {};
-        const float own = ordered.last().getScore();
-        const auto better = std::count_if(ordered.begin(), ordered.end() - 1,
-                                          [own](const auto &one) { return one.getScore() > own; });
+        const auto place = placingOf(ordered, wanted.kind);
+        if (!place)
+            return {};
         return QStringLiteral("B would be number %1 of %2 in the list (combined score)\n")
-            .arg(better + 1)
-            .arg(ordered.size());
+            .arg(place->place)
+            .arg(place->machines);
     }
 
 private:

@@ -15,9 +15,14 @@ barTip::barTip(QWidget *ownViewport) : QObject(ownViewport), viewport(ownViewpor
 
 void barTip::enter(const QObject *bar, const QString &text)
 {
+    enter(bar, text, QCursor::pos());
+}
+
+void barTip::enter(const QObject *bar, const QString &text, const QPoint &globalPosition)
+{
     current = bar;
     tip = plainText::asToolTip(text);
-    show(QCursor::pos());
+    show(globalPosition);
 }
 
 void barTip::leave(const QObject *bar)

@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 
+class QPoint;
 class QWidget;
 
 /// The tool tip of the bar under the mouse. It stays for as long as the mouse does.
@@ -22,6 +23,8 @@ public:
     /// The mouse is on @p bar, of which only the address counts. @p text is shown letter for
     /// letter.
     void enter(const QObject *bar, const QString &text);
+    /// The bar that the keyboard is on, which is at @p globalPosition.
+    void enter(const QObject *bar, const QString &text, const QPoint &globalPosition);
     /// The mouse has left @p bar; the tip of another one stays.
     void leave(const QObject *bar);
     /// The bars are gone.

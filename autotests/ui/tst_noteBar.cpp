@@ -14,6 +14,7 @@ private slots:
     void roomIsGivenBack();
     void followsTheWidth();
     void earlyMessageKeepsTheWindow();
+    void standingTextStays();
 };
 
 namespace
@@ -110,6 +111,22 @@ void tst_noteBar::earlyMessageKeepsTheWindow()
     QCoreApplication::processEvents();
     QCOMPARE(window.size(), QSize(400, 300));
     QCOMPARE(bar->height(), late.bar->height());
+}
+
+void tst_noteBar::standingTextStays()
+{
+    const barWindow w;
+    w.say(QStringLiteral("hello"));
+    const int oneLine = w.bar->height();
+    w.bar->setStanding(QStringLiteral("place 1 of 2"));
+    QCoreApplication::processEvents();
+    QVERIFY(w.bar->height() >= oneLine + w.bar->fontMetrics().height() / 2);
+    QVERIFY(w.inkedRows() >= 2 * w.bar->fontMetrics().height() / 3);
+    QCOMPARE(w.bar->accessibleDescription(), QStringLiteral("place 1 of 2\nhello"));
+    w.say(QString());
+    QCOMPARE(w.bar->getStanding(), QStringLiteral("place 1 of 2"));
+    QVERIFY(w.inkedRows() > 0);
+    QCOMPARE(w.bar->accessibleDescription(), QStringLiteral("place 1 of 2"));
 }
 
 QTEST_MAIN(tst_noteBar)
