@@ -158,7 +158,7 @@ QString chartCell::text(QAccessible::Text kind) const
 
 QRect chartCell::rect() const
 {
-    const QPoint place = owner->chart().placeOf(rowIndex(), owner->rowCount());
+    const QPoint place = owner->chart().placeOf(rowIndex());
     return {place, QSize(1, 1)};
 }
 

@@ -12,8 +12,15 @@
 namespace chartMaker
 {
 
-/// The bars of @p content are in the first series of the chart; @p fontSize in points.
-std::unique_ptr<QtCharts::QChart> chartOf(const chartContent &content, int fontSize);
+/// The most machines that have a bar set and a name in the legend each. Sets cost the toolkit time
+/// that grows faster than their number: two seconds for 2,000.
+constexpr int mostSets = 250;
+
+/// The bars of @p content are in the first series of the chart; @p fontSize in points. Beyond
+/// mostSets they are the values of one set, and only this machine has a name in the legend.
+/// @p likelyWidth of the plot, in pixels, spares a second layout if it is about right.
+std::unique_ptr<QtCharts::QChart> chartOf(const chartContent &content, int fontSize,
+                                          qreal likelyWidth = 300);
 
 /// The bars of @p chart, or null in one that has none.
 QtCharts::QBarSeries *barsOf(const QtCharts::QChart &chart);
@@ -21,8 +28,14 @@ QtCharts::QBarSeries *barsOf(const QtCharts::QChart &chart);
 /// Where in the scene the names of the legend of @p chart stand, those out of sight too.
 QVector<QRectF> legendNames(const QtCharts::QChart &chart);
 
-/// The outline of the bar at @p index, which is not hovered: thinner than a pixel where bars are so
-/// narrow that nothing would be left of their colours.
-QPen outlineOf(const QtCharts::QChart &chart, int index);
+/// The index of the bar that is value @p index of @p set.
+int barIndex(const QtCharts::QChart &chart, const QtCharts::QBarSet *set, int index);
+
+/// Where in the scene the middle of the bar at @p index is, halfway up the plot.
+QPointF middleOf(const QtCharts::QChart &chart, int index);
+
+/// Makes the bar at @p index stand out, or no longer. Otherwise outlines are thinner than a pixel
+/// where bars are so narrow that nothing would be left of their colours.
+void highlight(const QtCharts::QChart &chart, int index, bool isHovered);
 
 } // namespace chartMaker

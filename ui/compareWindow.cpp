@@ -212,24 +212,21 @@ void compareWindow::barHovered(bool status, int indx, QBarSet *set)
 {
     if (!set || indx >= set->count())
         return;
-    const int index = chartMaker::barsOf(*chartView->chart())->barSets().indexOf(set);
-    highlight(index, status);
+    highlight(chartMaker::barIndex(*chartView->chart(), set, indx), status);
 }
 
 void compareWindow::highlight(int index, bool isHovered)
 {
     if (index < 0 || index >= shown.bars.size())
         return;
-    constexpr int hoveredWidth = 4;
-    const QChart &chart = *chartView->chart();
-    QBarSet *bar = chartMaker::barsOf(chart)->barSets().at(index);
-    bar->setPen(isHovered ? QPen(Qt::black, hoveredWidth) : chartMaker::outlineOf(chart, index));
+    chartMaker::highlight(*chartView->chart(), index, isHovered);
+    const chartBar *bar = &shown.bars.at(index);
     if (!isHovered)
         tip->leave(bar);
     else if (walker->current() == index)
-        tip->enter(bar, shown.bars.at(index).tip, chartView->placeOf(index, shown.bars.size()));
+        tip->enter(bar, bar->tip, chartView->placeOf(index));
     else
-        tip->enter(bar, shown.bars.at(index).tip);
+        tip->enter(bar, bar->tip);
 }
 
 bool compareWindow::event(QEvent *event)
@@ -302,7 +299,9 @@ void compareWindow::buildChart(ranking::selectionMode sortMode, int count, ranki
     const benchResults &own = content.bars.last().machine;
     qDebug() << "Test" << own.getName() << " " << (own.isMeasured() ? "Used" : "Unused");
     shown = std::move(content);
-    showChart(chartMaker::chartOf(shown, fontSize));
+    const qreal likelyWidth = chartView->chart()->plotArea().width();
+    showChart(likelyWidth > 0 ? chartMaker::chartOf(shown, fontSize, likelyWidth)
+                              : chartMaker::chartOf(shown, fontSize));
     showNotes();
 }
 

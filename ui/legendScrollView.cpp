@@ -43,11 +43,9 @@ void legendScrollView::announce(int index)
     chartAccess::announce(this, index);
 }
 
-QPoint legendScrollView::placeOf(int index, int count) const
+QPoint legendScrollView::placeOf(int index) const
 {
-    const QRectF plot = chart()->plotArea();
-    const qreal x = plot.left() + plot.width() * (index + 0.5) / std::max(count, 1);
-    return viewport()->mapToGlobal(mapFromScene(QPointF(x, plot.center().y())));
+    return viewport()->mapToGlobal(mapFromScene(chartMaker::middleOf(*chart(), index)));
 }
 
 legendScrollView::hiddenNames legendScrollView::outOfSight() const

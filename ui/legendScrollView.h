@@ -24,8 +24,8 @@ public:
     const chartContent &table() const { return content; }
     /// Reads the bar at @p index aloud where somebody listens.
     void announce(int index);
-    /// Where on the screen the bar at @p index of @p count is.
-    QPoint placeOf(int index, int count) const;
+    /// Where on the screen the bar at @p index is.
+    QPoint placeOf(int index) const;
 
     /// How many names of the legend are out of sight at its top and at its bottom.
     struct hiddenNames {

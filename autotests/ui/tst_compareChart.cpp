@@ -56,6 +56,7 @@ private slots:
     void youAreInViewAtOnce();
     void hintsAtWhatIsOutOfSight();
     void narrowBarsStayApart();
+    void manyBars();
     void fontSizeScalesAllTexts();
     void axisTitle();
     void axisLabelsCanBeRead();
@@ -290,6 +291,44 @@ void tst_compareChart::narrowBarsStayApart()
     f.window->grab();
     QCOMPARE(sets.first()->pen(), QPen(Qt::black, 1));
     QCOMPARE(sets.last()->pen(), QPen(Qt::black, 1));
+}
+
+void tst_compareChart::manyBars()
+{
+    compareFixture f;
+    addMachines(f, 300);
+    f.data.machines()[3].setTest(oneCore,
+                                 benchResults::test(std::numeric_limits<float>::infinity()));
+    f.choose("comboBoxSortBy", 4);
+    QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
+    f.window->resize(900, 600);
+    f.window->grab();
+    const QBarSet *set = f.bars()->barSets().first();
+    QCOMPARE(f.bars()->count(), 1);
+    QCOMPARE(set->count(), 304); // merged: PC-A and pc-a are one
+    QCOMPARE(set->at(303), 100.0);
+    QStringList names;
+    for (const QLegendMarker *marker : f.chart()->legend()->markers()) {
+        if (marker->isVisible())
+            names.append(marker->label());
+    }
+    QCOMPARE(names, QStringList({QStringLiteral("303 devices"), QStringLiteral("[you] LAB7")}));
+    auto *view = f.window->findChild<legendScrollView *>();
+    const QRect plot = f.chart()->plotArea().toRect();
+    QVERIFY(hasRed(view->grab().toImage().copy(plot)));
+    // The mouse names what the legend does not.
+    QCOMPARE(set->at(0), 0.0); // PC-A's is endless, and moves nobody
+    emit f.bars()->hovered(true, 2, f.bars()->barSets().first());
+    QVERIFY2(QToolTip::text().startsWith(QStringLiteral("Phone %1 ")), qPrintable(QToolTip::text()));
+    const auto *pointer = qobject_cast<QLineSeries *>(f.chart()->series().at(2));
+    QCOMPARE(pointer->points(), QList<QPointF>({QPointF(2, 0), QPointF(2, set->at(2))}));
+    emit f.bars()->hovered(false, 2, f.bars()->barSets().first());
+    QCOMPARE(pointer->count(), 0);
+    QTRY_VERIFY(!QToolTip::isVisible());
+    const QPoint middle = view->viewport()->mapFromGlobal(view->placeOf(151));
+    QVERIFY(std::abs(middle.x() - f.chart()->plotArea().center().x()) < 3);
+    f.choose("comboBoxSortBy", 0);
+    QCOMPARE(f.bars()->count(), 21);
 }
 
 void tst_compareChart::fontSizeScalesAllTexts()
