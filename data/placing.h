@@ -15,7 +15,7 @@ struct placing {
     std::optional<int> percentSlower() const;
 };
 
-/// The place of the last of @p ranked, by its bar of @p kind, or of @p testName for oneTest. Nothing
-/// for a machine whose bar is none.
+/// The place of the last of @p ranked, by its bar of @p kind, or of @p testName for oneTest.
+/// Nothing for a machine whose bar is none.
 std::optional<placing> placingOf(const QVector<benchResults> &ranked, ranking::testKind kind,
                                  const QString &testName = {});

@@ -59,17 +59,17 @@ bool osMatches(const QString &os, int osMask);
 /// counts as 0.
 QVector<benchResults> mergedByName(const QVector<benchResults> &machines);
 
-/// All machines that @p wanted lets through, whatever its mode and count: best score first, then this
-/// machine. Nothing is selected.
+/// All machines that @p wanted lets through, whatever its mode and count: best score first, then
+/// this machine. Nothing is selected.
 struct rankedList {
     QVector<benchResults> machines;
     benchResults measure;      ///< the machine whose score is 100
     bool isOwnMeasure = false; ///< whether that is this machine
 };
 
-/// Ranks @p machines, of which the last is this one. Scores are the mean ratio to this machine if it
-/// is measured, else to the first one left, in percent, over the tests of @p tests that both have;
-/// they may be infinite or not a number, which ranks last. Empty for fewer than two machines.
+/// Ranks @p machines, of which the last is this one. Scores are the mean ratio to this machine if
+/// it is measured, else to the first one left, in percent, over the tests of @p tests that both
+/// have; they may be infinite or not a number, which ranks last. Empty for fewer than two machines.
 rankedList rankedAll(const QVector<benchResults> &machines, const QVector<rankedTest> &tests,
                      const choices &wanted);
 
@@ -81,7 +81,8 @@ QVector<benchResults> shownOf(QVector<benchResults> ranked, const choices &wante
 QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
                                      const QVector<rankedTest> &tests, const choices &wanted);
 
-/// The tests that @p kind counts and @p machine has no result of, by name, in the order of @p tests.
+/// The tests that @p kind counts and @p machine has no result of, by name, in the order of @p
+/// tests.
 QStringList missingResults(const benchResults &machine, const QVector<rankedTest> &tests,
                            testKind kind);
 

@@ -46,8 +46,7 @@ QString judgementOn(const runRecord &run)
     const auto steady = std::count_if(run.tests.begin(), run.tests.end(), [&](const testRun &test) {
         return verdictOf(test, run).level == steadiness::good;
     });
-    QStringList texts = {
-        QStringLiteral("%1 of %2 tests good").arg(steady).arg(run.tests.size())};
+    QStringList texts = {QStringLiteral("%1 of %2 tests good").arg(steady).arg(run.tests.size())};
     if (run.isStopped)
         texts.append(QStringLiteral("stopped before its end"));
     for (const remark &one : remarksOf(run))

@@ -10,7 +10,8 @@
 struct historyPoint {
     int run = 0; ///< its index among the runs
     QDateTime when;
-    double value = 0;  ///< in millions of the unit per second; of the mean in percent of the first run
+    double value =
+        0; ///< in millions of the unit per second; of the mean in percent of the first run
     QString version;   ///< of Fennick
     QString judgement; ///< what is to be thought of it, in words
 };
@@ -19,8 +20,8 @@ struct historyPoint {
 QStringList testNamesOf(const std::vector<runRecord> &runs);
 
 /// How test @p name went in those of @p runs that have a result of it, in their order. Without a
-/// name the geometric mean of each run's results in relation to the first one's, over the tests that
-/// both have.
+/// name the geometric mean of each run's results in relation to the first one's, over the tests
+/// that both have.
 std::vector<historyPoint> historyOf(const std::vector<runRecord> &runs, const QString &name = {});
 
 /// The unit of test @p name in @p runs, such as "MPixel/s".

@@ -145,10 +145,10 @@ chartContent contentOf(const QVector<benchResults> &machines, const QVector<test
                             compareNotes::onBarless(barlessOf(content.bars))};
     standing.removeAll({});
     content.standing = standing.join(QStringLiteral("; "));
-    content.notes = QStringList(
-        {compareNotes::onGaps(ranking::gapsOf(shown, known, choice.wanted), ranked.isOwnMeasure,
-                              choice.wanted.isPerClock),
-         compareNotes::onEstimates(shown)});
+    content.notes =
+        QStringList({compareNotes::onGaps(ranking::gapsOf(shown, known, choice.wanted),
+                                          ranked.isOwnMeasure, choice.wanted.isPerClock),
+                     compareNotes::onEstimates(shown)});
     content.notes.removeAll({});
     return content;
 }
@@ -175,8 +175,8 @@ QString resultsAsText(const benchResults &machine, const QVector<testBase *> &te
     QString text = cell(machine.describe(benchResults::fullDescription)) + QLatin1Char('\n');
     for (const testBase *test : tests) {
         const float value = machine.getTests().value(test->getName()).value;
-        const QString result =
-            value > 0 ? number(value) + QLatin1Char(' ') + resultUnit(*test) : translated("no result");
+        const QString result = value > 0 ? number(value) + QLatin1Char(' ') + resultUnit(*test)
+                                         : translated("no result");
         text += QStringLiteral("%1: %2\n").arg(test->getName().trimmed(), result);
     }
     return text;
@@ -187,8 +187,8 @@ QString resultsAsTable(const benchResults &machine, const QVector<testBase *> &t
     QString table = line({translated("test"), translated("result"), translated("unit")});
     for (const testBase *test : tests) {
         const float value = machine.getTests().value(test->getName()).value;
-        table += line({test->getName().trimmed(), value > 0 ? number(value) : QString(),
-                       resultUnit(*test)});
+        table += line(
+            {test->getName().trimmed(), value > 0 ? number(value) : QString(), resultUnit(*test)});
     }
     return table;
 }

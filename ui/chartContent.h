@@ -10,8 +10,8 @@ class testBase;
 /// One machine in a chart.
 struct chartBar {
     QString label;
-    QString tip;      ///< all about it, in two lines
-    double value = 0; ///< the height; ranking::smallestBar where there is no result
+    QString tip;           ///< all about it, in two lines
+    double value = 0;      ///< the height; ranking::smallestBar where there is no result
     bool isResult = false; ///< whether the value is one, and finite: another cannot be compared
     benchResults machine;
 };
@@ -19,11 +19,11 @@ struct chartBar {
 /// What a chart of machines shows, without a chart: all that is drawn, copied and read aloud.
 struct chartContent {
     QString title;
-    QString unit;      ///< "%", or one like "MPixel/s"
-    QString axisTitle; ///< the unit, and of what
+    QString unit;           ///< "%", or one like "MPixel/s"
+    QString axisTitle;      ///< the unit, and of what
     QVector<chartBar> bars; ///< the last one is this machine's
-    QString standing; ///< where this machine stands, or what it lacks
-    QStringList notes; ///< what the bars do not show
+    QString standing;       ///< where this machine stands, or what it lacks
+    QStringList notes;      ///< what the bars do not show
 
     bool isEmpty() const { return bars.isEmpty(); }
     /// Everything that is said below the chart, in lines.
@@ -33,12 +33,12 @@ struct chartContent {
 /// What is asked for.
 struct chartChoice {
     ranking::choices wanted;
-    QString title;    ///< of oneTest the name of the test
+    QString title; ///< of oneTest the name of the test
     benchResults::descriptionStyle labels = benchResults::nameDescription;
 };
 
-/// The chart of @p machines, the last of which is this one, that @p choice asks for. Empty for fewer
-/// than two machines.
+/// The chart of @p machines, the last of which is this one, that @p choice asks for. Empty for
+/// fewer than two machines.
 chartContent contentOf(const QVector<benchResults> &machines, const QVector<testBase *> &tests,
                        const chartChoice &choice);
 

@@ -131,9 +131,8 @@ void addAxis(QChart *chart, const QString &title, const QFont &font)
     axis->setTickCount(11);
     axis->setTitleText(plainText::asHtml(title));
     axis->setTitleFont(font);
-    QObject::connect(chart, &QChart::plotAreaChanged, axis, [axis, font](const QRectF &area) {
-        chartFonts::fitLabels(axis, area, font);
-    });
+    QObject::connect(chart, &QChart::plotAreaChanged, axis,
+                     [axis, font](const QRectF &area) { chartFonts::fitLabels(axis, area, font); });
     chart->addAxis(axis, Qt::AlignLeft);
     for (QAbstractSeries *series : chart->series())
         series->attachAxis(axis);
@@ -155,7 +154,8 @@ void prepareLegend(QChart *chart, const QFont &font)
 
 bool isOfManyBars(const QChart &chart)
 {
-    return chartMaker::barsOf(chart)->count() == 1 && chartMaker::barsOf(chart)->barSets()[0]->count() > 1;
+    return chartMaker::barsOf(chart)->count() == 1
+           && chartMaker::barsOf(chart)->barSets()[0]->count() > 1;
 }
 
 QPen outlineOf(const QChart &chart, int index)
@@ -198,7 +198,8 @@ QVector<QRectF> chartMaker::legendNames(const QChart &chart)
 
 int chartMaker::barIndex(const QChart &chart, const QBarSet *set, int index)
 {
-    return isOfManyBars(chart) ? index : barsOf(chart)->barSets().indexOf(const_cast<QBarSet *>(set));
+    return isOfManyBars(chart) ? index
+                               : barsOf(chart)->barSets().indexOf(const_cast<QBarSet *>(set));
 }
 
 QPointF chartMaker::middleOf(const QChart &chart, int index)

@@ -14,7 +14,7 @@ namespace chartMaker
 
 /// The most machines that have a bar set and a name in the legend each. Sets cost the toolkit time
 /// that grows faster than their number: two seconds for 2,000.
-constexpr int mostSets = 250;
+constexpr int mostSets = 200;
 
 /// The bars of @p content are in the first series of the chart; @p fontSize in points. Beyond
 /// mostSets they are the values of one set, and only this machine has a name in the legend.

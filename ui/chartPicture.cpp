@@ -5,12 +5,13 @@
 #include "ui/chartMaker.h"
 
 #include <QBuffer>
+#include <QChartView>
+#include <QCoreApplication>
 #include <QFontMetricsF>
+#include <QGraphicsLayout>
 #include <QLegend>
 #include <QPainter>
 #include <QSvgGenerator>
-
-#include <QChartView>
 
 #include <algorithm>
 #include <cmath>
@@ -34,12 +35,12 @@ public:
         view.setRenderHint(QPainter::Antialiasing);
         view.setChart(chartMaker::chartOf(content, fontSize).release());
         view.resize(smallest);
-        view.grab(); // which lays it out
+        settle();
         view.resize(smallest.width(), std::clamp(heightOfLegend(), smallest.height(), highest));
-        view.grab();
+        settle();
         const QRectF room(0, 0, view.width() - 2 * margin, highest);
-        remarksHeight = static_cast<int>(std::ceil(
-            QFontMetricsF(font).boundingRect(room, Qt::TextWordWrap, remarks).height()));
+        remarksHeight = static_cast<int>(
+            std::ceil(QFontMetricsF(font).boundingRect(room, Qt::TextWordWrap, remarks).height()));
     }
 
     QSize size() const
@@ -60,6 +61,17 @@ public:
     }
 
 private:
+    /// Lays it out, and again: the labels of the axis get another font by then.
+    void settle()
+    {
+        for (int i = 0; i < 2; ++i) {
+            view.grab();
+            QCoreApplication::sendPostedEvents(view.chart(), QEvent::LayoutRequest);
+            view.chart()->layout()->invalidate();
+            view.chart()->layout()->activate();
+        }
+    }
+
     /// The height of a view that has room for all of the legend.
     int heightOfLegend() const
     {

@@ -12,7 +12,8 @@
 class chartPicture
 {
 public:
-    /// @p smallest is the size of the window's chart, in pixels; the picture is as high as it takes.
+    /// @p smallest is the size of the window's chart, in pixels; the picture is as high as it
+    /// takes.
     /// @p fontSize in points.
     chartPicture(chartContent content, const QSize &smallest, int fontSize);
 

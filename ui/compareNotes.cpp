@@ -86,7 +86,8 @@ QString compareNotes::onPlace(const placing &found)
 QString compareNotes::onMissing(const QStringList &missing, bool isOneTest)
 {
     if (missing.isEmpty() || isOneTest)
-        return translated("no place: this machine has no result to compare; run the full benchmark");
+        return translated(
+            "no place: this machine has no result to compare; run the full benchmark");
     return translated("no place: this machine has no result of %1; run the full benchmark")
         .arg(listed(missing, 3));
 }

@@ -11,9 +11,9 @@
 #include "ui/viewExports.h"
 #include "ui_compareWindow.h"
 
+#include <QAction>
 #include <QBarSeries>
 #include <QBarSet>
-#include <QAction>
 #include <QDebug>
 #include <QGestureEvent>
 #include <QShortcut>
@@ -119,6 +119,7 @@ void compareWindow::addMenu()
     connect(history, &QAction::triggered, this, [this] { historyWindow::open(this, fontSize); });
     chartView->addAction(history);
     chartView->setContextMenuPolicy(Qt::ActionsContextMenu);
+    chartView->setStyleSheet(viewExports::menuSheet());
 }
 
 void compareWindow::fillChoosers()

@@ -51,8 +51,8 @@ QString intervalText(const testRatio &test)
         return historyWindow::tr("no clear difference");
     if (!test.ratioInterval)
         return {};
-    return historyWindow::tr("%1 to %2").arg(number(test.ratioInterval->lower),
-                                             number(test.ratioInterval->upper));
+    return historyWindow::tr("%1 to %2")
+        .arg(number(test.ratioInterval->lower), number(test.ratioInterval->upper));
 }
 
 } // namespace
@@ -65,6 +65,11 @@ historyWindow::historyWindow(QWidget *parent, runStore::listing kept, int ownFon
         runs.push_back(std::move(one.run));
     setObjectName(QStringLiteral("historyWindow"));
     setWindowTitle(tr("history of runs"));
+    // The main window's sheet, which is inherited, is for big buttons.
+    setStyleSheet(
+        QStringLiteral("QLabel, QTableWidget { color: black; }"
+                       "QTableWidget { background-color: white; }"
+                       "QHeaderView::section { color: black; background-color: #e0e0e0; }"));
     resize(700, 620);
     build();
     fillChoosers();
@@ -100,6 +105,7 @@ void historyWindow::build()
     view->setRenderHint(QPainter::Antialiasing);
     view->setMinimumHeight(200);
     view->setFocusPolicy(Qt::StrongFocus);
+    view->setFrameShape(QFrame::NoFrame);
     layout->addWidget(view, 3);
     auto *sides = new QHBoxLayout;
     layout->addLayout(sides);
@@ -107,7 +113,8 @@ void historyWindow::build()
     secondRun = addChooser("comboBoxSecond", tr("Run &B"), sides);
     table = new QTableWidget(0, 5, center);
     table->setAccessibleName(tr("two runs side by side"));
-    table->setHorizontalHeaderLabels({tr("test"), tr("A"), tr("B"), tr("B / A"), tr("95 % interval")});
+    table->setHorizontalHeaderLabels(
+        {tr("test"), tr("A"), tr("B"), tr("B / A"), tr("95 % interval")});
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table->verticalHeader()->hide();
     layout->addWidget(table, 2);
@@ -188,6 +195,8 @@ std::unique_ptr<QChart> historyWindow::chartOf(const QString &test)
     chart->addSeries(line);
     chart->addSeries(dots);
     chart->legend()->hide();
+    chart->setBackgroundRoundness(0);
+    chart->setMargins(QMargins(4, 4, 4, 4));
     chart->setTitleFont(chartFonts::title(fontSize));
     chart->setTitle(points.empty() ? tr("nothing to show") : tests->currentText().toHtmlEscaped());
     if (!points.empty())
@@ -277,7 +286,8 @@ void historyWindow::fillTable(const runRecord &first, const runRecord &second)
     }
     QStringList lines;
     if (found.geometricMean)
-        lines.append(tr("Geometric mean of B / A: %1").arg(QString::number(*found.geometricMean, 'f', 3)));
+        lines.append(
+            tr("Geometric mean of B / A: %1").arg(QString::number(*found.geometricMean, 'f', 3)));
     const auto add = [&lines](const QStringList &names, const QString &what) {
         if (!names.isEmpty())
             lines.append(what.arg(names.join(QStringLiteral(", "))));

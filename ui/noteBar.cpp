@@ -45,8 +45,7 @@ QRect noteBar::textArea() const
 void noteBar::makeRoom()
 {
     const QRect room(0, 0, textArea().width(), QWIDGETSIZE_MAX);
-    const int height =
-        fontMetrics().boundingRect(room, Qt::TextWordWrap, wholeText()).height();
+    const int height = fontMetrics().boundingRect(room, Qt::TextWordWrap, wholeText()).height();
     setMinimumHeight(wholeText().isEmpty() ? 0 : height + 2 * margin);
     setAccessibleName(tr("notes"));
     setAccessibleDescription(wholeText());
@@ -58,7 +57,8 @@ void noteBar::paintEvent(QPaintEvent *)
     QStyleOption option;
     option.initFrom(this);
     style()->drawPrimitive(QStyle::PE_PanelStatusBar, &option, &painter, this);
-    painter.setPen(palette().windowText().color());
+    // Whatever colour a style sheet wants: notes are to be read.
+    painter.setPen(qGray(palette().window().color().rgb()) > 110 ? Qt::black : Qt::white);
     painter.drawText(textArea(), int(Qt::TextWordWrap) | int(Qt::AlignVCenter), wholeText());
 }
 

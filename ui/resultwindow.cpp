@@ -49,7 +49,9 @@ void resultwindow::addMenus(const benchBase &runner)
         return runner.getResults().isEmpty() ? benchResults() : runner.getResults().last();
     };
     viewExports::source from;
-    from.chart = [&runner] { return contentOf(runner.getResults(), runner.getTests(), overview()); };
+    from.chart = [&runner] {
+        return contentOf(runner.getResults(), runner.getTests(), overview());
+    };
     from.table = [&runner, own] { return resultsAsTable(own(), runner.getTests()); };
     from.resultText = [&runner, own] { return resultsAsText(own(), runner.getTests()); };
     from.chartSize = [chartSize] { return chartSize; };
@@ -66,6 +68,8 @@ void resultwindow::addMenus(const benchBase &runner)
     // The field has no menu of its own: it takes no focus, so nothing can be selected in it.
     ui->plainTextEdit->addActions(exports->actions());
     ui->plainTextEdit->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (QWidget *owner : {static_cast<QWidget *>(menu), static_cast<QWidget *>(ui->plainTextEdit)})
+        owner->setStyleSheet(viewExports::menuSheet());
 }
 
 void resultwindow::fill(const benchBase &runner)

@@ -27,6 +27,14 @@ viewExports::viewExports(QWidget *ownWindow, source from, bool isTextFirst)
     table->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+C")));
 }
 
+QString viewExports::menuSheet()
+{
+    return QStringLiteral(
+        "QMenu { color: black; background-color: #f0f0f0; border: 1px solid #404040; }"
+        "QMenu::item:selected { color: white; background-color: #1f4e8c; }"
+        "QMenu::separator { height: 1px; background-color: #808080; }");
+}
+
 QAction *viewExports::add(const QString &name, const QString &text, void (viewExports::*slot)())
 {
     auto *action = new QAction(text, this);
@@ -79,8 +87,8 @@ void viewExports::copyPicture()
     const chartContent chart = content.chart();
     if (chart.isEmpty())
         return;
-    const QImage image =
-        chartPicture(chart, content.chartSize(), content.fontSize).image(window->devicePixelRatioF());
+    const QImage image = chartPicture(chart, content.chartSize(), content.fontSize)
+                             .image(window->devicePixelRatioF());
     if (!image.isNull())
         QApplication::clipboard()->setImage(image);
 }

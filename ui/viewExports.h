@@ -33,6 +33,8 @@ public:
     viewExports(QWidget *window, source from, bool isTextFirst);
 
     QList<QAction *> actions() const { return all; }
+    /// A style sheet for the menus that show them: legible, whatever sheet the window inherits.
+    static QString menuSheet();
 
     void save();
     void copyPicture();

@@ -56,9 +56,10 @@ void tst_placing::places()
 
 void tst_placing::ofOneTest()
 {
-    const QVector<benchResults> machines = {machine(QStringLiteral("a"), {{single, 3}, {multi, 1}}),
-                                            machine(QStringLiteral("b"), {{multi, 9}}),
-                                            machine(QStringLiteral("own"), {{single, 2}, {multi, 5}})};
+    const QVector<benchResults> machines = {
+        machine(QStringLiteral("a"), {{single, 3}, {multi, 1}}),
+        machine(QStringLiteral("b"), {{multi, 9}}),
+        machine(QStringLiteral("own"), {{single, 2}, {multi, 5}})};
     const auto one = placingOf(machines, ranking::oneTest, single);
     QCOMPARE(one->place, 2);
     QCOMPARE(one->machines, 2);

@@ -37,7 +37,8 @@ void tst_runHistory::testNames()
     runRecord other = runOf(1, 0.1);
     other.tests.back().name = QStringLiteral("colors ");
     QCOMPARE(testNamesOf({runOf(0, 0.1), other}),
-             QStringList({QStringLiteral("mandel"), QStringLiteral("lines"), QStringLiteral("colors ")}));
+             QStringList(
+                 {QStringLiteral("mandel"), QStringLiteral("lines"), QStringLiteral("colors ")}));
     QVERIFY(testNamesOf(std::vector<runRecord>()).isEmpty());
 }
 
@@ -70,8 +71,9 @@ void tst_runHistory::ofTheMean()
 void tst_runHistory::judgements()
 {
     runRecord run = runOf(0, 0.1);
-    QCOMPARE(historyOf({run}, QStringLiteral("mandel"))[0].judgement.section(QLatin1Char(';'), 0, 0),
-             QStringLiteral("good"));
+    QCOMPARE(
+        historyOf({run}, QStringLiteral("mandel"))[0].judgement.section(QLatin1Char(';'), 0, 0),
+        QStringLiteral("good"));
     QVERIFY(historyOf({run})[0].judgement.startsWith(QStringLiteral("2 of 2 tests good")));
     run.tests[0].rounds.resize(2);
     run.isStopped = true;

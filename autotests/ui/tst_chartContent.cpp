@@ -22,17 +22,13 @@ struct contentFixture {
     {
         return machine(name, {{colors, first}, {mandel, second}});
     }
-    chartContent content()
-    {
-        return contentOf(machines, {&one, &multi}, choice);
-    }
+    chartContent content() { return contentOf(machines, {&one, &multi}, choice); }
 
     fakeTest one{colors, nullptr};
     fakeTest multi{mandel, nullptr};
-    QVector<benchResults> machines = {result(QStringLiteral("a"), 10, 10),
-                                      result(QStringLiteral("b"), 40, 40),
-                                      result(QStringLiteral("c"), 30, 30),
-                                      measured(result(QStringLiteral("own"), 20, 20))};
+    QVector<benchResults> machines = {
+        result(QStringLiteral("a"), 10, 10), result(QStringLiteral("b"), 40, 40),
+        result(QStringLiteral("c"), 30, 30), measured(result(QStringLiteral("own"), 20, 20))};
     chartChoice choice{everything(), QStringLiteral("combined"), benchResults::nameDescription};
 };
 
@@ -117,8 +113,8 @@ void tst_chartContent::missingTestsAreNamed()
     QVERIFY(f.content().standing.startsWith(QStringLiteral("place 3 of 4")));
     f.choice.wanted.kind = ranking::oneTest;
     f.choice.title = mandel;
-    QVERIFY(f.content().standing.startsWith(QStringLiteral(
-        "no place: this machine has no result to compare; run the full benchmark")));
+    QVERIFY(f.content().standing.startsWith(
+        QStringLiteral("no place: this machine has no result to compare; run the full benchmark")));
 }
 
 void tst_chartContent::barlessMachinesAreNamed()

@@ -319,7 +319,8 @@ void tst_compareChart::manyBars()
     // The mouse names what the legend does not.
     QCOMPARE(set->at(0), 0.0); // PC-A's is endless, and moves nobody
     emit f.bars()->hovered(true, 2, f.bars()->barSets().first());
-    QVERIFY2(QToolTip::text().startsWith(QStringLiteral("Phone %1 ")), qPrintable(QToolTip::text()));
+    QVERIFY2(QToolTip::text().startsWith(QStringLiteral("Phone %1 ")),
+             qPrintable(QToolTip::text()));
     const auto *pointer = qobject_cast<QLineSeries *>(f.chart()->series().at(2));
     QCOMPARE(pointer->points(), QList<QPointF>({QPointF(2, 0), QPointF(2, set->at(2))}));
     emit f.bars()->hovered(false, 2, f.bars()->barSets().first());
@@ -350,8 +351,8 @@ void tst_compareChart::axisTitle()
     QCOMPARE(f.chart()->axes().at(0)->titleText(), QStringLiteral("% of this machine"));
     f.choose("comboBox", 3);
     QCOMPARE(f.chart()->axes().at(0)->titleText(), QStringLiteral("MFakes/s"));
-    f.data.machines()[0] = benchResults(QStringLiteral("<b>x</b>"), QStringLiteral("linux"),
-                                        QString(), 1e9F, 1);
+    f.data.machines()[0] =
+        benchResults(QStringLiteral("<b>x</b>"), QStringLiteral("linux"), QString(), 1e9F, 1);
     f.data.machines().last().setMeasured(false);
     f.choose("comboBox", 0);
     QCOMPARE(f.chart()->axes().at(0)->titleText(), QStringLiteral("% of &lt;b&gt;x&lt;/b&gt;"));

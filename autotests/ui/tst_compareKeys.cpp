@@ -96,7 +96,8 @@ void tst_compareKeys::tipIsAtTheBar()
     const int left = f.view()->placeOf(0).x();
     const int right = f.view()->placeOf(3).x();
     QVERIFY(view.contains(f.view()->placeOf(0)));
-    // The four bars take nine tenths of the plot, and three quarters of that lie between the middles.
+    // The four bars take nine tenths of the plot, and three quarters of that lie between the
+    // middles.
     QVERIFY(std::abs(right - left - 0.9 * 0.75 * f.chart()->plotArea().width()) < 2);
 }
 

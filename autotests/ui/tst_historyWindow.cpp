@@ -40,8 +40,8 @@ runStore::listing listOf(const std::vector<runRecord> &runs)
 }
 
 struct historyFixture {
-    explicit historyFixture(const runStore::listing &list = listOf(
-                                {runOf(0, 0.1), runOf(1, 0.2), runOf(3, 0.05, "27.0")}))
+    explicit historyFixture(const runStore::listing &list = listOf({runOf(0, 0.1), runOf(1, 0.2),
+                                                                    runOf(3, 0.05, "27.0")}))
         : window(nullptr, list, 9)
     {
         window.show();
@@ -144,8 +144,9 @@ void tst_historyWindow::sideBySide()
     QCOMPARE(f.table()->rowCount(), 2);
     QCOMPARE(f.cell(1, 0), QStringLiteral("lines"));
     QVERIFY(std::abs(f.cell(1, 3).toDouble() - 4) < 0.2);
-    QVERIFY(f.find<QLabel>("labelMean")->text().startsWith(
-        QStringLiteral("Geometric mean of B / A: ")));
+    QVERIFY(f.find<QLabel>("labelMean")
+                ->text()
+                .startsWith(QStringLiteral("Geometric mean of B / A: ")));
     f.find<QComboBox>("comboBoxFirst")->setCurrentIndex(2);
     QCOMPARE(f.cell(0, 3), QStringLiteral("1.000"));
     QCOMPARE(f.cell(0, 4), QStringLiteral("no clear difference"));
