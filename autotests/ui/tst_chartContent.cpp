@@ -109,6 +109,10 @@ void tst_chartContent::missingTestsAreNamed()
     QCOMPARE(f.content().standing,
              QStringLiteral("no place: this machine has no result of mandel (multicore); run the "
                             "full benchmark; 100 = this machine"));
+    // A score of fewer tests than everybody's is a number, but no place.
+    f.machines.last() = measured(machine(QStringLiteral("own"), {{colors, 20}}));
+    QVERIFY(f.content().standing.startsWith(
+        QStringLiteral("no place: this machine has no result of mandel (multicore); run ")));
     f.choice.wanted.kind = ranking::singleCoreTests;
     QVERIFY(f.content().standing.startsWith(QStringLiteral("place 3 of 4")));
     f.choice.wanted.kind = ranking::oneTest;
