@@ -34,6 +34,10 @@ resultwindow::resultwindow(QWidget *parent, const benchBase *runner)
     connect(ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
     connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
     ui->plainTextEdit->setAccessibleName(tr("results of this machine"));
+    // The sheet that is inherited has white letters on grey.
+    ui->plainTextEdit->setStyleSheet(
+        viewExports::menuSheet()
+        + QStringLiteral("QPlainTextEdit { color: black; background-color: white; }"));
     if (!runner)
         return;
     fill(*runner);
@@ -68,8 +72,7 @@ void resultwindow::addMenus(const benchBase &runner)
     // The field has no menu of its own: it takes no focus, so nothing can be selected in it.
     ui->plainTextEdit->addActions(exports->actions());
     ui->plainTextEdit->setContextMenuPolicy(Qt::ActionsContextMenu);
-    for (QWidget *owner : {static_cast<QWidget *>(menu), static_cast<QWidget *>(ui->plainTextEdit)})
-        owner->setStyleSheet(viewExports::menuSheet());
+    menu->setStyleSheet(viewExports::menuSheet());
 }
 
 void resultwindow::fill(const benchBase &runner)
