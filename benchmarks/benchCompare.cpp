@@ -38,6 +38,28 @@ benchBase &loadedRunner()
     return runner;
 }
 
+/// A list of @p count machines and this one, with the suite's tests.
+class longList : public benchDataAccess
+{
+public:
+    explicit longList(int count) : benchDataAccess(nullptr, loadedRunner().getTests())
+    {
+        const QVector<benchResults> &known = loadedRunner().getResults();
+        for (int i = 0; i < count; ++i) {
+            const benchResults &model = known.at(i % (known.size() - 1));
+            benchResults machine(QStringLiteral("%1 no. %2").arg(model.getName()).arg(i),
+                                 model.getOs(), model.getCpu(), model.getFrequency(),
+                                 model.getThreads());
+            const float factor = 1.0F + 0.01F * static_cast<float>(i % 97);
+            for (auto test = model.getTests().begin(); test != model.getTests().end(); ++test)
+                machine.setTest(test.key(), benchResults::test(test->value * factor));
+            results.append(machine);
+        }
+        results.append(known.first());
+        results.last().setMeasured(true);
+    }
+};
+
 double residentMebibytes()
 {
     QFile file(QStringLiteral("/proc/self/statm"));
@@ -61,7 +83,8 @@ BENCHMARK(openWindow)->Unit(benchmark::kMillisecond);
 class openedWindow
 {
 public:
-    explicit openedWindow(int mode)
+    explicit openedWindow(int mode, benchDataAccess &machines = loadedRunner())
+        : window(nullptr, &machines, true, 9)
     {
         window.findChild<QCheckBox *>(QStringLiteral("checkBoxMerged"))->setChecked(false);
         window.findChild<QComboBox *>(QStringLiteral("comboBoxSortBy"))->setCurrentIndex(mode);
@@ -79,14 +102,14 @@ public:
     }
 
 private:
-    compareWindow window{nullptr, &loadedRunner(), true, 9};
+    compareWindow window;
     QComboBox *tests = nullptr;
     int next = 0;
 };
 
-void rebuild(benchmark::State &state)
+/// Rebuilds the chart again and again, and keeps the longest time.
+void rebuildAll(benchmark::State &state, openedWindow &window)
 {
-    openedWindow window(static_cast<int>(state.range(0)));
     double worst = 0;
     for ([[maybe_unused]] auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
@@ -97,10 +120,30 @@ void rebuild(benchmark::State &state)
     }
     state.counters["worst_ms"] = worst;
 }
+
+void rebuild(benchmark::State &state)
+{
+    openedWindow window(static_cast<int>(state.range(0)));
+    rebuildAll(state, window);
+}
 BENCHMARK(rebuild)
     ->ArgName("mode")
     ->Arg(ranking::mixedDevices)
     ->Arg(ranking::allDevices)
+    ->Unit(benchmark::kMillisecond);
+
+/// All devices of a long list, not merged.
+void rebuildLongList(benchmark::State &state)
+{
+    longList machines(static_cast<int>(state.range(0)));
+    openedWindow window(ranking::allDevices, machines);
+    rebuildAll(state, window);
+}
+BENCHMARK(rebuildLongList)
+    ->ArgName("machines")
+    ->Arg(500)
+    ->Arg(2000)
+    ->Arg(10'000)
     ->Unit(benchmark::kMillisecond);
 
 void tenThousandRebuilds(benchmark::State &state)

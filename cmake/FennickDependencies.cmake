@@ -16,7 +16,7 @@ macro(fennick_find_package package)
     endforeach()
 endmacro()
 
-fennick_find_package(Qt5 5.15 REQUIRED COMPONENTS Charts Core Gui Network Widgets)
+fennick_find_package(Qt5 5.15 REQUIRED COMPONENTS Charts Core Gui Network Svg Widgets)
 fennick_find_package(OpenMP REQUIRED COMPONENTS CXX)
 fennick_find_package(ZLIB REQUIRED)
 fennick_find_package(Threads REQUIRED)

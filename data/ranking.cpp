@@ -148,8 +148,8 @@ QVector<benchResults> mergedByName(const QVector<benchResults> &machines)
     return result;
 }
 
-QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
-                                     const QVector<rankedTest> &tests, const choices &wanted)
+rankedList rankedAll(const QVector<benchResults> &machines, const QVector<rankedTest> &tests,
+                     const choices &wanted)
 {
     if (machines.size() < 2)
         return {};
@@ -160,13 +160,21 @@ QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
         ranked.append(own);
     }
 
+    const bool isOwnMeasure = ranked.last().isMeasured();
     // A copy: the list it comes from is about to be changed and reordered.
-    const benchResults reference = ranked.last().isMeasured() ? ranked.last() : ranked.first();
+    const benchResults measure = isOwnMeasure ? ranked.last() : ranked.first();
     for (benchResults &machine : ranked) {
         machine.setSelected(false);
-        machine.setScore(scoreOf(machine, reference, tests, wanted));
+        machine.setScore(scoreOf(machine, measure, tests, wanted));
     }
     std::stable_sort(ranked.begin(), ranked.end() - 1, isBetter);
+    return {ranked, measure, isOwnMeasure};
+}
+
+QVector<benchResults> shownOf(QVector<benchResults> ranked, const choices &wanted)
+{
+    if (ranked.isEmpty())
+        return {};
     select(ranked, wanted.mode, wanted.count);
     ranked.last().setSelected(true);
 
@@ -174,6 +182,23 @@ QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
     std::copy_if(ranked.begin(), ranked.end(), std::back_inserter(shown),
                  [](const benchResults &machine) { return machine.isSelected(); });
     return shown;
+}
+
+QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
+                                     const QVector<rankedTest> &tests, const choices &wanted)
+{
+    return shownOf(rankedAll(machines, tests, wanted).machines, wanted);
+}
+
+QStringList missingResults(const benchResults &machine, const QVector<rankedTest> &tests,
+                           testKind kind)
+{
+    QStringList missing;
+    for (const rankedTest &test : tests) {
+        if (isCounted(test, kind) && !(machine.getTests().value(test.name).value > 0.0F))
+            missing.append(test.name);
+    }
+    return missing;
 }
 
 gaps gapsOf(const QVector<benchResults> &shown, const QVector<rankedTest> &tests,

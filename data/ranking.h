@@ -4,6 +4,7 @@
 #include "engine/benchResults.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 /// Puts machines into the order of their results.
@@ -58,13 +59,32 @@ bool osMatches(const QString &os, int osMask);
 /// counts as 0.
 QVector<benchResults> mergedByName(const QVector<benchResults> &machines);
 
-/// The machines to be shown, in the order of their bars: those that @p wanted picks from
-/// @p machines, best score first, then this machine, the last of @p machines, whatever was picked.
-/// Scores are the mean ratio to this machine if it is measured, else to the first one left, in
-/// percent, over the tests of @p tests that both have; they may be infinite or not a
-/// number, which ranks last. Empty for fewer than two machines.
+/// All machines that @p wanted lets through, whatever its mode and count: best score first, then
+/// this machine. Nothing is selected.
+struct rankedList {
+    QVector<benchResults> machines;
+    benchResults measure;      ///< the machine whose score is 100
+    bool isOwnMeasure = false; ///< whether that is this machine
+};
+
+/// Ranks @p machines, of which the last is this one. Scores are the mean ratio to this machine if
+/// it is measured, else to the first one left, in percent, over the tests of @p tests that both
+/// have; they may be infinite or not a number, which ranks last. Empty for fewer than two machines.
+rankedList rankedAll(const QVector<benchResults> &machines, const QVector<rankedTest> &tests,
+                     const choices &wanted);
+
+/// The machines to be shown, in the order of their bars: those that @p wanted picks from @p ranked,
+/// then this machine, whatever was picked.
+QVector<benchResults> shownOf(QVector<benchResults> ranked, const choices &wanted);
+
+/// Those that are shown of @p machines once they are ranked.
 QVector<benchResults> rankedMachines(const QVector<benchResults> &machines,
                                      const QVector<rankedTest> &tests, const choices &wanted);
+
+/// The tests that @p kind counts and @p machine has no result of, by name, in the order of @p
+/// tests.
+QStringList missingResults(const benchResults &machine, const QVector<rankedTest> &tests,
+                           testKind kind);
 
 /// Scores that are no finite number, which makes bars disappear, and what is there to compare.
 struct gaps {

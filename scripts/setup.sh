@@ -37,6 +37,7 @@ need_build_tools() {
     need has_command ninja ninja-build
     need has_cmake_package Qt5Widgets qtbase5-dev
     need has_cmake_package Qt5Charts libqt5charts5-dev
+    need has_cmake_package Qt5Svg libqt5svg5-dev
     need has_header zlib.h zlib1g-dev
     need has_header tl/expected.hpp libexpected-dev
     need has_header boost/version.hpp libboost-dev

@@ -13,14 +13,19 @@ barTip::barTip(QWidget *ownViewport) : QObject(ownViewport), viewport(ownViewpor
     viewport->installEventFilter(this);
 }
 
-void barTip::enter(const QObject *bar, const QString &text)
+void barTip::enter(const void *bar, const QString &text)
+{
+    enter(bar, text, QCursor::pos());
+}
+
+void barTip::enter(const void *bar, const QString &text, const QPoint &globalPosition)
 {
     current = bar;
     tip = plainText::asToolTip(text);
-    show(QCursor::pos());
+    show(globalPosition);
 }
 
-void barTip::leave(const QObject *bar)
+void barTip::leave(const void *bar)
 {
     if (bar == current)
         clear();

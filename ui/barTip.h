@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 
+class QPoint;
 class QWidget;
 
 /// The tool tip of the bar under the mouse. It stays for as long as the mouse does.
@@ -21,9 +22,11 @@ public:
 
     /// The mouse is on @p bar, of which only the address counts. @p text is shown letter for
     /// letter.
-    void enter(const QObject *bar, const QString &text);
+    void enter(const void *bar, const QString &text);
+    /// The bar that the keyboard is on, which is at @p globalPosition.
+    void enter(const void *bar, const QString &text, const QPoint &globalPosition);
     /// The mouse has left @p bar; the tip of another one stays.
-    void leave(const QObject *bar);
+    void leave(const void *bar);
     /// The bars are gone.
     void clear();
 
@@ -33,6 +36,6 @@ private:
     void show(const QPoint &globalPosition) const;
 
     QWidget *viewport;
-    const QObject *current = nullptr;
+    const void *current = nullptr;
     QString tip;
 };

@@ -22,6 +22,13 @@ QFont chartFonts::legend(int pointSize)
     return {family, pointSize};
 }
 
+QFont chartFonts::title(int pointSize)
+{
+    QFont font = legend(pointSize + 1);
+    font.setBold(true);
+    return font;
+}
+
 void chartFonts::fitLabels(QtCharts::QValueAxis *axis, const QRectF &plotArea, QFont font)
 {
     constexpr int smallestPixelSize = 7;

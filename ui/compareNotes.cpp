@@ -2,6 +2,7 @@
 #include "ui/compareNotes.h"
 
 #include "data/estimate.h"
+#include "ui/plainText.h"
 
 #include <QCoreApplication>
 
@@ -13,6 +14,24 @@ namespace
 QString translated(const char *text)
 {
     return QCoreApplication::translate("compareWindow", text);
+}
+
+/// @p names in a row; from @p most on, how many more there are.
+QString listed(const QStringList &names, int most)
+{
+    QStringList shown;
+    for (const QString &name : names.mid(0, most))
+        shown.append(plainText::shortened(name.trimmed(), 40));
+    const QString row = shown.join(QStringLiteral(", "));
+    if (names.size() <= most)
+        return row;
+    return translated("%1 and %2 more").arg(row, QString::number(names.size() - most));
+}
+
+QString nameOfMeasure(const ranking::rankedList &ranked)
+{
+    return ranked.isOwnMeasure ? translated("this machine")
+                               : plainText::shortened(ranked.measure.getName(), 40);
 }
 
 } // namespace
@@ -52,4 +71,38 @@ QString compareNotes::onGaps(const ranking::gaps &found, bool isOwnMeasure, bool
                                    " missing"
                                  : "%1 of %2 bars are missing: there are no results to compare")
         .arg(QString::number(found.bars), QString::number(found.machines));
+}
+
+QString compareNotes::onPlace(const placing &found)
+{
+    const QString place = translated("place %1 of %2")
+                              .arg(QString::number(found.place), QString::number(found.machines));
+    const auto percent = found.percentSlower();
+    if (!percent)
+        return place;
+    return place + translated(", faster than %1 %").arg(*percent);
+}
+
+QString compareNotes::onMissing(const QStringList &missing, bool isOneTest)
+{
+    if (missing.isEmpty() || isOneTest)
+        return translated(
+            "no place: this machine has no result to compare; run the full benchmark");
+    return translated("no place: this machine has no result of %1; run the full benchmark")
+        .arg(listed(missing, 3));
+}
+
+QString compareNotes::onMeasure(const ranking::rankedList &ranked)
+{
+    return translated("100 = %1").arg(nameOfMeasure(ranked));
+}
+
+QString compareNotes::ofMeasure(const ranking::rankedList &ranked)
+{
+    return translated("% of %1").arg(nameOfMeasure(ranked));
+}
+
+QString compareNotes::onBarless(const QStringList &names)
+{
+    return names.isEmpty() ? QString() : translated("without a bar: %1").arg(listed(names, 3));
 }

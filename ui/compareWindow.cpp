@@ -2,23 +2,21 @@
 #include "ui/compareWindow.h"
 
 #include "data/benchDataAccess.h"
-#include "data/rankedTests.h"
 #include "engine/testBase.h"
 #include "ui/barTip.h"
-#include "ui/chartFonts.h"
-#include "ui/compareNotes.h"
+#include "ui/barWalker.h"
+#include "ui/chartMaker.h"
+#include "ui/historyWindow.h"
 #include "ui/legendScrollView.h"
-#include "ui/plainText.h"
+#include "ui/viewExports.h"
 #include "ui_compareWindow.h"
 
+#include <QAction>
 #include <QBarSeries>
 #include <QBarSet>
 #include <QDebug>
 #include <QGestureEvent>
-#include <QGraphicsLayout>
-#include <QLegendMarker>
-#include <QLineSeries>
-#include <QValueAxis>
+#include <QShortcut>
 
 namespace
 {
@@ -28,13 +26,6 @@ constexpr int testPrefixLength = 6;
 
 /// Below this height, in pixels, nothing could be told apart.
 constexpr int smallestChart = 220;
-
-const char *const descriptionProperty = "machine";
-
-QPen outline(int width)
-{
-    return QPen(Qt::black, width);
-}
 
 benchResults::descriptionStyle labelStyle(Qt::CheckState state)
 {
@@ -47,27 +38,6 @@ benchResults::descriptionStyle labelStyle(Qt::CheckState state)
         break;
     }
     return benchResults::fullDescription;
-}
-
-/// The text of a bar's tool tip.
-QString describeBar(const benchResults &machine, float value, const QString &unit)
-{
-    const QString result =
-        value == ranking::smallestBar
-            ? compareWindow::tr("no result")
-            : QStringLiteral("%1 %2").arg(QString::number(static_cast<double>(value)), unit);
-    return QStringLiteral("%1\n%2: %3")
-        .arg(plainText::shortened(machine.describe(benchResults::fullDescription)),
-             plainText::shortened(machine.getCpu()), result);
-}
-
-QString unitOf(const QVector<testBase *> &tests, const QString &testName)
-{
-    for (const testBase *test : tests) {
-        if (test->getName() == testName)
-            return test->getUnit();
-    }
-    return {};
 }
 
 } // namespace
@@ -89,16 +59,68 @@ compareWindow::compareWindow(QWidget *parent, benchDataAccess *machineData, bool
         return;
 
     fillTests(showIpcOption);
-    chartView = new legendScrollView(this);
-    chartView->setRenderHint(QPainter::Antialiasing);
-    chartView->setMinimumHeight(smallestChart);
-    ui->gridLayout->addWidget(chartView);
-    tip = new barTip(chartView->viewport());
+    nameControls();
+    addView();
+    addMenu();
     connectControls();
     updateChart(0);
 }
 
 compareWindow::~compareWindow() = default;
+
+void compareWindow::addView()
+{
+    chartView = new legendScrollView(this);
+    chartView->setRenderHint(QPainter::Antialiasing);
+    chartView->setMinimumHeight(smallestChart);
+    ui->gridLayout->addWidget(chartView);
+    setTabOrder(ui->comboBox, chartView);
+    setTabOrder(chartView, ui->closeButton);
+    tip = new barTip(chartView->viewport());
+    walker = new barWalker(chartView);
+    connect(walker, &barWalker::left, this, [this](int bar) { highlight(bar, false); });
+    connect(walker, &barWalker::entered, this, [this](int bar) {
+        highlight(bar, true);
+        chartView->announce(bar);
+    });
+}
+
+void compareWindow::nameControls()
+{
+    const auto name = [](QWidget *widget, const QString &text) { widget->setAccessibleName(text); };
+    name(ui->comboBox, tr("what is compared"));
+    name(ui->comboBoxSortBy, tr("which devices"));
+    name(ui->comboBoxCount, tr("number of devices"));
+    name(ui->checkBoxAndroid, tr("Android devices"));
+    name(ui->checkBoxWindows, tr("Windows devices"));
+    name(ui->checkBoxLinux, tr("Linux devices"));
+    name(ui->checkBoxMerged, tr("merge devices of one name"));
+    name(ui->checkBoxIPC, tr("results per clock"));
+    name(ui->checkBoxNameType, tr("labels: short, processor or all"));
+}
+
+void compareWindow::addMenu()
+{
+    viewExports::source from;
+    from.chart = [this] { return shown; };
+    from.table = [this] { return tableOf(shown); };
+    from.resultText = [this] {
+        const QVector<benchResults> &machines = dataAccess->getResults();
+        return machines.isEmpty() ? QString()
+                                  : resultsAsText(machines.last(), dataAccess->getTests());
+    };
+    from.chartSize = [this] { return chartView->size(); };
+    from.fontSize = fontSize;
+    const auto *exports = new viewExports(this, from, false);
+    chartView->addActions(exports->actions());
+    auto *history = new QAction(tr("&History of runs..."), this);
+    history->setObjectName(QStringLiteral("actionHistory"));
+    history->setShortcut(QKeySequence(QStringLiteral("Ctrl+H")));
+    connect(history, &QAction::triggered, this, [this] { historyWindow::open(this, fontSize); });
+    chartView->addAction(history);
+    chartView->setContextMenuPolicy(Qt::ActionsContextMenu);
+    chartView->setStyleSheet(viewExports::menuSheet());
+}
 
 void compareWindow::fillChoosers()
 {
@@ -147,6 +169,7 @@ void compareWindow::connectControls()
     connect(ui->checkBoxNameType, &QCheckBox::stateChanged, this,
             &compareWindow::nameTypeStateChanged);
     connect(ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
 }
 
 void compareWindow::selectionChanged(int i)
@@ -190,16 +213,28 @@ void compareWindow::barHovered(bool status, int indx, QBarSet *set)
 {
     if (!set || indx >= set->count())
         return;
-    constexpr int hoveredWidth = 4;
-    set->setPen(outline(status ? hoveredWidth : 1));
-    if (status)
-        tip->enter(set, set->property(descriptionProperty).toString());
+    highlight(chartMaker::barIndex(*chartView->chart(), set, indx), status);
+}
+
+void compareWindow::highlight(int index, bool isHovered)
+{
+    if (index < 0 || index >= shown.bars.size())
+        return;
+    chartMaker::highlight(*chartView->chart(), index, isHovered);
+    const chartBar *bar = &shown.bars.at(index);
+    if (!isHovered)
+        tip->leave(bar);
+    else if (walker->current() == index)
+        tip->enter(bar, bar->tip, chartView->placeOf(index));
     else
-        tip->leave(set);
+        tip->enter(bar, bar->tip);
 }
 
 bool compareWindow::event(QEvent *event)
 {
+    // Of menus without tips, which would clear the notes.
+    if (event->type() == QEvent::StatusTip)
+        return true;
     if (event->type() == QEvent::Gesture && dataAccess) {
         const QGesture *gesture = static_cast<QGestureEvent *>(event)->gesture(Qt::SwipeGesture);
         if (const auto *swipe = static_cast<const QSwipeGesture *>(gesture)) {
@@ -250,110 +285,43 @@ void compareWindow::updateChart(int testIndex)
 void compareWindow::buildChart(ranking::selectionMode sortMode, int count, ranking::testKind kind,
                                int osMask, const QString &title, bool merged)
 {
-    ranking::choices wanted;
-    wanted.kind = kind;
-    wanted.mode = sortMode;
-    wanted.count = count;
-    wanted.osMask = osMask;
-    wanted.isMerged = merged;
-    wanted.isPerClock = ipc;
-    const QVector<ranking::rankedTest> tests = rankedTestsOf(dataAccess->getTests());
-    const QVector<benchResults> machines =
-        ranking::rankedMachines(dataAccess->getResults(), tests, wanted);
-    if (machines.isEmpty())
+    chartChoice choice;
+    choice.wanted.kind = kind;
+    choice.wanted.mode = sortMode;
+    choice.wanted.count = count;
+    choice.wanted.osMask = osMask;
+    choice.wanted.isMerged = merged;
+    choice.wanted.isPerClock = ipc;
+    choice.title = title;
+    choice.labels = labelStyle(ui->checkBoxNameType->checkState());
+    chartContent content = contentOf(dataAccess->getResults(), dataAccess->getTests(), choice);
+    if (content.isEmpty())
         return;
-    const benchResults &own = machines.last();
+    const benchResults &own = content.bars.last().machine;
     qDebug() << "Test" << own.getName() << " " << (own.isMeasured() ? "Used" : "Unused");
-
-    // Per clock are the scores only: the bars of one test, and its value here, are as measured.
-    const auto youValue = static_cast<double>(ranking::barValue(own, kind, title));
-    QString fullTitle = title;
-    if (kind == ranking::oneTest && own.isMeasured()) {
-        fullTitle += QStringLiteral(" [you: %1 %2]")
-                         .arg(QString::number(youValue), unitOf(dataAccess->getTests(), title));
-    }
-    if (ipc)
-        fullTitle += tr(" (per Clock)");
-    showChart(createChart(createBars(machines, kind, title), youValue, fullTitle));
-    showNotes(machines, ranking::gapsOf(machines, tests, wanted));
+    shown = std::move(content);
+    const qreal likelyWidth = chartView->chart()->plotArea().width();
+    showChart(likelyWidth > 0 ? chartMaker::chartOf(shown, fontSize, likelyWidth)
+                              : chartMaker::chartOf(shown, fontSize));
+    showNotes();
 }
 
-void compareWindow::showNotes(const QVector<benchResults> &machines, const ranking::gaps &found)
+void compareWindow::showNotes()
 {
-    QStringList notes = {compareNotes::onGaps(found, machines.last().isMeasured(), ipc),
-                         compareNotes::onEstimates(machines)};
-    notes.removeAll({});
-    ui->statusBar->showMessage(notes.join(QStringLiteral(". ")));
+    ui->statusBar->setStanding(shown.standing);
+    ui->statusBar->showMessage(shown.notes.join(QStringLiteral(". ")));
+    chartView->setTable(shown);
 }
 
-QBarSeries *compareWindow::createBars(const QVector<benchResults> &machines, ranking::testKind kind,
-                                      const QString &testName)
-{
-    auto *series = new QBarSeries;
-    series->setBarWidth(0.9);
-    const auto style = labelStyle(ui->checkBoxNameType->checkState());
-    const QString unit = kind == ranking::oneTest
-                             ? unitOf(dataAccess->getTests(), testName) + QStringLiteral("/s")
-                             : QStringLiteral("%");
-    for (const benchResults &machine : machines) {
-        const bool isOwn = &machine == &machines.last();
-        const float value = ranking::barValue(machine, kind, testName);
-        auto *bar = new QBarSet((isOwn ? tr("[you] ") : QString()) + machine.describe(style));
-        bar->setBorderColor(Qt::black);
-        bar->setPen(outline(1));
-        bar->append(static_cast<double>(value));
-        if (isOwn)
-            bar->setColor(Qt::red);
-        bar->setProperty(descriptionProperty, describeBar(machine, value, unit));
-        series->append(bar);
-    }
-    qRegisterMetaType<QBarSet *>("QBarSet*");
-    connect(series, &QBarSeries::hovered, this, &compareWindow::barHovered);
-    return series;
-}
-
-QChart *compareWindow::createChart(QBarSeries *barSeries, qreal youValue,
-                                   const QString &title) const
-{
-    auto *chart = new QChart;
-    auto *line = new QLineSeries;
-    line->setColor(Qt::black);
-    line->setPen(QPen(Qt::DashLine));
-    line->append(0.0, youValue);
-    line->append(1.0, youValue);
-    chart->addSeries(barSeries);
-    chart->addSeries(line);
-    chart->setTitle(title);
-
-    const QFont font = chartFonts::legend(fontSize);
-    auto *axis = new QValueAxis;
-    axis->setTickCount(11);
-    connect(chart, &QChart::plotAreaChanged, axis,
-            [axis, font](const QRectF &area) { chartFonts::fitLabels(axis, area, font); });
-    chart->addAxis(axis, Qt::AlignLeft);
-    barSeries->attachAxis(axis);
-    line->attachAxis(axis);
-
-    QLegend *legend = chart->legend();
-    for (QLegendMarker *marker : legend->markers(barSeries)) // which would read names as HTML
-        marker->setLabel(plainText::asHtml(plainText::shortened(marker->label())));
-    legend->markers().last()->setVisible(false);
-    legend->setVisible(true);
-    legend->setAlignment(Qt::AlignRight);
-    legend->setFont(font);
-    chart->setBackgroundRoundness(0);
-    // The bars need the room, above all in a small window.
-    chart->setMargins(QMargins(4, 4, 4, 4));
-    chart->layout()->setContentsMargins(0, 0, 0, 0);
-    return chart;
-}
-
-void compareWindow::showChart(QChart *chart)
+void compareWindow::showChart(std::unique_ptr<QChart> chart)
 {
     tip->clear();
+    walker->restart(shown.bars.size());
+    qRegisterMetaType<QBarSet *>("QBarSet*");
+    connect(chartMaker::barsOf(*chart), &QBarSeries::hovered, this, &compareWindow::barHovered);
     // The view gives up the chart that it showed before.
     const std::unique_ptr<QChart> previous(chartView->chart());
     for (const QAbstractSeries *series : previous->series())
         series->disconnect(this); // a bar that is hovered says farewell
-    chartView->setChart(chart);
+    chartView->showFromItsEnd(chart.release());
 }

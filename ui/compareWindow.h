@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/ranking.h"
+#include "ui/chartContent.h"
 
 #include <QChartView>
 #include <QMainWindow>
@@ -9,10 +9,11 @@
 #include <memory>
 
 class barTip;
+class barWalker;
 class benchDataAccess;
+class legendScrollView;
 
 QT_CHARTS_BEGIN_NAMESPACE
-class QBarSeries;
 class QBarSet;
 QT_CHARTS_END_NAMESPACE
 
@@ -60,18 +61,20 @@ private:
     void updateChart(int testIndex);
     void buildChart(ranking::selectionMode sortMode, int count, ranking::testKind kind, int osMask,
                     const QString &title, bool merged);
-    /// A bar for each of @p machines, the last one, this machine's, in red.
-    QBarSeries *createBars(const QVector<benchResults> &machines, ranking::testKind kind,
-                           const QString &testName);
-    /// A chart of @p barSeries with a dashed line at @p youValue. Takes over the series.
-    QChart *createChart(QBarSeries *barSeries, qreal youValue, const QString &title) const;
-    void showChart(QChart *chart);
-    /// Says what the chart of @p machines does not show.
-    void showNotes(const QVector<benchResults> &machines, const ranking::gaps &found);
+    void showChart(std::unique_ptr<QChart> chart);
+    /// The bar at @p index is hovered, by the mouse or the keyboard, or no longer.
+    void highlight(int index, bool isHovered);
+    /// Says what the chart does not show.
+    void showNotes();
+    void nameControls();
+    void addView();
+    void addMenu();
 
     benchDataAccess *dataAccess;
-    QChartView *chartView = nullptr;
+    legendScrollView *chartView = nullptr;
     barTip *tip = nullptr;
+    barWalker *walker = nullptr;
+    chartContent shown;
     bool ipc = false;
     int fontSize;
     std::unique_ptr<Ui::compareWindow> ui;

@@ -18,6 +18,20 @@ noteBar::noteBar(QWidget *parent) : QStatusBar(parent)
     connect(this, &QStatusBar::messageChanged, this, &noteBar::makeRoom);
 }
 
+void noteBar::setStanding(const QString &text)
+{
+    standing = text;
+    makeRoom();
+    update();
+}
+
+QString noteBar::wholeText() const
+{
+    QStringList texts = {standing, currentMessage()};
+    texts.removeAll({});
+    return texts.join(QLatin1Char('\n'));
+}
+
 QRect noteBar::textArea() const
 {
     const auto *grip = findChild<QSizeGrip *>();
@@ -31,9 +45,10 @@ QRect noteBar::textArea() const
 void noteBar::makeRoom()
 {
     const QRect room(0, 0, textArea().width(), QWIDGETSIZE_MAX);
-    const int height =
-        fontMetrics().boundingRect(room, Qt::TextWordWrap, currentMessage()).height();
-    setMinimumHeight(currentMessage().isEmpty() ? 0 : height + 2 * margin);
+    const int height = fontMetrics().boundingRect(room, Qt::TextWordWrap, wholeText()).height();
+    setMinimumHeight(wholeText().isEmpty() ? 0 : height + 2 * margin);
+    setAccessibleName(tr("notes"));
+    setAccessibleDescription(wholeText());
 }
 
 void noteBar::paintEvent(QPaintEvent *)
@@ -42,8 +57,9 @@ void noteBar::paintEvent(QPaintEvent *)
     QStyleOption option;
     option.initFrom(this);
     style()->drawPrimitive(QStyle::PE_PanelStatusBar, &option, &painter, this);
-    painter.setPen(palette().windowText().color());
-    painter.drawText(textArea(), int(Qt::TextWordWrap) | int(Qt::AlignVCenter), currentMessage());
+    // Whatever colour a style sheet wants: notes are to be read.
+    painter.setPen(qGray(palette().window().color().rgb()) > 110 ? Qt::black : Qt::white);
+    painter.drawText(textArea(), int(Qt::TextWordWrap) | int(Qt::AlignVCenter), wholeText());
 }
 
 void noteBar::resizeEvent(QResizeEvent *event)

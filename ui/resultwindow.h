@@ -12,7 +12,8 @@ namespace Ui
 class resultwindow;
 }
 
-/// Lists this machine's results as text, as they are when the window opens.
+/// Lists this machine's results as text, as they are when the window opens. Its menus copy and save
+/// them, and the chart that compares them.
 class resultwindow : public QMainWindow
 {
     Q_OBJECT
@@ -24,6 +25,7 @@ public:
 
 private:
     void fill(const benchBase &runner);
+    void addMenus(const benchBase &runner);
 
     std::unique_ptr<Ui::resultwindow> ui;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "compareFixture.h"
 
+#include "ui/legendScrollView.h"
+
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QGraphicsLayout>
@@ -13,6 +15,30 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+
+namespace
+{
+
+void addMachines(compareFixture &f, int count)
+{
+    const benchResults own = f.data.machines().takeLast();
+    for (int i = 0; i < count; ++i)
+        f.data.add(QStringLiteral("machine %1").arg(i), 1, 1);
+    f.data.machines().append(own);
+}
+
+bool hasRed(const QImage &image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) == 0xFFFF0000U)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
 
 class tst_compareChart : public QObject
 {
@@ -27,6 +53,12 @@ private slots:
     void hovering();
     void hoverOutside();
     void legendIsScrolledByTheWheel();
+    void youAreInViewAtOnce();
+    void hintsAtWhatIsOutOfSight();
+    void narrowBarsStayApart();
+    void manyBars();
+    void fontSizeScalesAllTexts();
+    void axisTitle();
     void axisLabelsCanBeRead();
     void chartsAreReleased();
 };
@@ -157,10 +189,7 @@ void tst_compareChart::hoverOutside()
 void tst_compareChart::legendIsScrolledByTheWheel()
 {
     compareFixture f;
-    const benchResults own = f.data.machines().takeLast();
-    for (int i = 0; i < 60; ++i)
-        f.data.add(QStringLiteral("machine %1").arg(i), 1, 1);
-    f.data.machines().append(own);
+    addMachines(f, 60);
     f.choose("comboBoxSortBy", 4);
     QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
     QCoreApplication::processEvents();
@@ -175,26 +204,158 @@ void tst_compareChart::legendIsScrolledByTheWheel()
                           Qt::NoButton, {}, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(view->viewport(), &event);
     };
-    const QImage atTop = look();
-    turn(f.chart()->plotArea().center(), -120);
-    QCOMPARE(look(), atTop);
+    const QImage atEnd = look();
+    turn(f.chart()->plotArea().center(), 120);
+    QCOMPARE(look(), atEnd);
 
-    const auto hasRed = [&] {
-        const QImage image = look();
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                if (image.pixel(x, y) == 0xFFFF0000U)
-                    return true;
-            }
-        }
-        return false;
-    };
-    QVERIFY(!hasRed());
-    for (int i = 0; i < 60 && !hasRed(); ++i) {
+    QVERIFY(hasRed(atEnd)); // [you]
+    for (int i = 0; i < 60 && hasRed(look()); ++i) {
+        turn(legend->sceneBoundingRect().center(), 120);
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(!hasRed(look()));
+    f.window->resize(f.window->width(), f.window->height() + 20);
+    QCoreApplication::processEvents();
+    QVERIFY(!hasRed(look())); // stays where it was scrolled to
+    for (int i = 0; i < 60 && !hasRed(look()); ++i) {
         turn(legend->sceneBoundingRect().center(), -120);
         QCoreApplication::processEvents();
     }
-    QVERIFY(hasRed()); // down to [you]
+    QVERIFY(hasRed(look()));
+}
+
+void tst_compareChart::youAreInViewAtOnce()
+{
+    compareFixture f(false); // without the box that makes it wider
+    addMachines(f, 60);
+    QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
+    for (const int mode : {4, 0, 3, 4}) {
+        f.choose("comboBoxSortBy", mode);
+        QCoreApplication::processEvents();
+        const auto *view = f.window->findChild<legendScrollView *>();
+        const QImage window = f.window->grab().toImage();
+        QCOMPARE(window.size(), QSize(557, 494));
+        const QRectF legend = f.chart()->legend()->sceneBoundingRect();
+        const QRect place(view->mapTo(f.window.get(), view->mapFromScene(legend.topLeft())),
+                          legend.size().toSize());
+        QVERIFY(hasRed(window.copy(place)));
+        QCOMPARE(view->outOfSight().below, 0);
+    }
+}
+
+void tst_compareChart::hintsAtWhatIsOutOfSight()
+{
+    compareFixture f;
+    auto *view = f.window->findChild<legendScrollView *>();
+    QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
+    QCoreApplication::processEvents();
+    QCOMPARE(view->outOfSight().above, 0); // four names fit
+    addMachines(f, 60);
+    f.choose("comboBoxSortBy", 4);
+    QCoreApplication::processEvents();
+    view->grab();
+    const int above = view->outOfSight().above;
+    QVERIFY(above > 40);
+    // The hint covers the first row of the legend: wherever it is scrolled to, there is its blank.
+    const QRectF legend = f.chart()->legend()->sceneBoundingRect();
+    const QImage strip =
+        view->grab(QRect(view->mapFromScene(legend.topLeft()), QSize(int(legend.width()), 3)))
+            .toImage();
+    for (int x = 0; x < strip.width(); ++x)
+        QCOMPARE(QColor(strip.pixel(x, 1)), f.chart()->backgroundBrush().color());
+    f.window->resize(900, 2500);
+    QCoreApplication::processEvents();
+    view->grab();
+    QCOMPARE(view->outOfSight().above, 0);
+}
+
+void tst_compareChart::narrowBarsStayApart()
+{
+    compareFixture f;
+    addMachines(f, 160);
+    f.choose("comboBoxSortBy", 4);
+    QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
+    f.window->grab();
+    const QList<QBarSet *> sets = f.bars()->barSets();
+    QVERIFY(sets.first()->pen().widthF() < 0.5);
+    QVERIFY(sets.first()->pen().widthF() > 0);
+    QCOMPARE(sets.last()->pen().color(), QColor(Qt::red));
+    const QImage plot = f.window->findChild<QChartView *>()->grab().toImage();
+    QVERIFY(hasRed(plot.copy(f.chart()->plotArea().toRect())));
+    // Hovered and left, a bar is as thin as before.
+    emit f.bars()->hovered(true, 0, sets.first());
+    QCOMPARE(sets.first()->pen().width(), 4);
+    emit f.bars()->hovered(false, 0, sets.first());
+    QVERIFY(sets.first()->pen().widthF() < 0.5);
+    f.window->resize(3000, 700);
+    f.window->grab();
+    QCOMPARE(sets.first()->pen(), QPen(Qt::black, 1));
+    QCOMPARE(sets.last()->pen(), QPen(Qt::black, 1));
+}
+
+void tst_compareChart::manyBars()
+{
+    compareFixture f;
+    addMachines(f, 300);
+    f.data.machines()[3].setTest(oneCore,
+                                 benchResults::test(std::numeric_limits<float>::infinity()));
+    f.choose("comboBoxSortBy", 4);
+    QVERIFY(QTest::qWaitForWindowExposed(f.window.get()));
+    f.window->resize(900, 600);
+    f.window->grab();
+    const QBarSet *set = f.bars()->barSets().first();
+    QCOMPARE(f.bars()->count(), 1);
+    QCOMPARE(set->count(), 304); // merged: PC-A and pc-a are one
+    QCOMPARE(set->at(303), 100.0);
+    QStringList names;
+    for (const QLegendMarker *marker : f.chart()->legend()->markers()) {
+        if (marker->isVisible())
+            names.append(marker->label());
+    }
+    QCOMPARE(names, QStringList({QStringLiteral("303 devices"), QStringLiteral("[you] LAB7")}));
+    auto *view = f.window->findChild<legendScrollView *>();
+    const QRect plot = f.chart()->plotArea().toRect();
+    QVERIFY(hasRed(view->grab().toImage().copy(plot)));
+    // The mouse names what the legend does not.
+    QCOMPARE(set->at(0), 0.0); // PC-A's is endless, and moves nobody
+    emit f.bars()->hovered(true, 2, f.bars()->barSets().first());
+    QVERIFY2(QToolTip::text().startsWith(QStringLiteral("Phone %1 ")),
+             qPrintable(QToolTip::text()));
+    const auto *pointer = qobject_cast<QLineSeries *>(f.chart()->series().at(2));
+    QCOMPARE(pointer->points(), QList<QPointF>({QPointF(2, 0), QPointF(2, set->at(2))}));
+    emit f.bars()->hovered(false, 2, f.bars()->barSets().first());
+    QCOMPARE(pointer->count(), 0);
+    QTRY_VERIFY(!QToolTip::isVisible());
+    const QPoint middle = view->viewport()->mapFromGlobal(view->placeOf(151));
+    QVERIFY(std::abs(middle.x() - f.chart()->plotArea().center().x()) < 3);
+    f.choose("comboBoxSortBy", 0);
+    QCOMPARE(f.bars()->count(), 21);
+}
+
+void tst_compareChart::fontSizeScalesAllTexts()
+{
+    compareFixture f;
+    const auto sizes = [&] {
+        return QVector<int>({f.chart()->titleFont().pointSize(),
+                             f.chart()->legend()->font().pointSize(),
+                             f.chart()->axes().at(0)->titleFont().pointSize()});
+    };
+    QCOMPARE(sizes(), QVector<int>({10, 9, 9}));
+    f.window = std::make_unique<compareWindow>(nullptr, &f.data, true, 16);
+    QCOMPARE(sizes(), QVector<int>({17, 16, 16}));
+}
+
+void tst_compareChart::axisTitle()
+{
+    compareFixture f;
+    QCOMPARE(f.chart()->axes().at(0)->titleText(), QStringLiteral("% of this machine"));
+    f.choose("comboBox", 3);
+    QCOMPARE(f.chart()->axes().at(0)->titleText(), QStringLiteral("MFakes/s"));
+    f.data.machines()[0] =
+        benchResults(QStringLiteral("<b>x</b>"), QStringLiteral("linux"), QString(), 1e9F, 1);
+    f.data.machines().last().setMeasured(false);
+    f.choose("comboBox", 0);
+    QCOMPARE(f.chart()->axes().at(0)->titleText(), QStringLiteral("% of &lt;b&gt;x&lt;/b&gt;"));
 }
 
 void tst_compareChart::axisLabelsCanBeRead()

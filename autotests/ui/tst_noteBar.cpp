@@ -14,6 +14,9 @@ private slots:
     void roomIsGivenBack();
     void followsTheWidth();
     void earlyMessageKeepsTheWindow();
+    void standingTextStays();
+    void canBeReadOnAnyGround_data();
+    void canBeReadOnAnyGround();
 };
 
 namespace
@@ -110,6 +113,51 @@ void tst_noteBar::earlyMessageKeepsTheWindow()
     QCoreApplication::processEvents();
     QCOMPARE(window.size(), QSize(400, 300));
     QCOMPARE(bar->height(), late.bar->height());
+}
+
+void tst_noteBar::standingTextStays()
+{
+    const barWindow w;
+    w.say(QStringLiteral("hello"));
+    const int oneLine = w.bar->height();
+    w.bar->setStanding(QStringLiteral("place 1 of 2"));
+    QCoreApplication::processEvents();
+    QVERIFY(w.bar->height() >= oneLine + w.bar->fontMetrics().height() / 2);
+    QVERIFY(w.inkedRows() >= 2 * w.bar->fontMetrics().height() / 3);
+    QCOMPARE(w.bar->accessibleDescription(), QStringLiteral("place 1 of 2\nhello"));
+    w.say(QString());
+    QCOMPARE(w.bar->getStanding(), QStringLiteral("place 1 of 2"));
+    QVERIFY(w.inkedRows() > 0);
+    QCOMPARE(w.bar->accessibleDescription(), QStringLiteral("place 1 of 2"));
+}
+
+void tst_noteBar::canBeReadOnAnyGround_data()
+{
+    QTest::addColumn<QString>("ground");
+    QTest::addColumn<bool>("isInkDark");
+    QTest::newRow("grey") << QStringLiteral("darkgray") << true;
+    QTest::newRow("nearly black") << QStringLiteral("#202020") << false;
+}
+
+void tst_noteBar::canBeReadOnAnyGround()
+{
+    QFETCH(QString, ground);
+    QFETCH(bool, isInkDark);
+    barWindow w;
+    w.window.setStyleSheet(
+        QStringLiteral("QWidget { color: gray; background-color: %1; }").arg(ground));
+    w.say(manyWords);
+    const QImage image = w.bar->grab().toImage();
+    bool isDark = false;
+    bool isBright = false;
+    for (int x = 8; x < image.width() / 2; ++x) {
+        for (int y = 4; y < image.height() - 4; ++y) {
+            isDark = isDark || qGray(image.pixel(x, y)) < 20;
+            isBright = isBright || qGray(image.pixel(x, y)) > 235;
+        }
+    }
+    QCOMPARE(isDark, isInkDark);
+    QCOMPARE(isBright, !isInkDark);
 }
 
 QTEST_MAIN(tst_noteBar)
