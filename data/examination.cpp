@@ -5,14 +5,32 @@
 #include "data/runRecorder.h"
 #include "data/startingMoment.h"
 
-doctorSubject examination()
+namespace
+{
+
+doctorSubject subjectAt(const machineFacts &machine, const machineMoment &moment)
 {
     doctorSubject subject;
-    subject.machine = thisMachine();
+    subject.machine = machine;
     subject.context = readMachineContext();
-    subject.moment = readStartingMoment(subject.machine.threads);
+    subject.moment = moment;
     subject.build = thisBuild();
     subject.disturbances = disturbancesOf(subject.context, subject.moment, subject.build,
                                           subject.machine.threads, instanceLock().isOtherRunning());
     return subject;
+}
+
+} // namespace
+
+doctorSubject examination()
+{
+    const machineFacts machine = thisMachine();
+    return subjectAt(machine, readStartingMoment(machine.threads));
+}
+
+doctorSubject quickExamination()
+{
+    machineMoment moment = readMachineMoment();
+    moment.loadAverage.reset(); // it may be that of what has ended
+    return subjectAt(thisMachine(), moment);
 }

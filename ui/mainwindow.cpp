@@ -48,6 +48,7 @@ MainWindow::MainWindow(QWidget *parent, const suiteFactory &tests,
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
       trust(std::make_unique<trustNotes>(examination)),
+      firstLook(quickExamination),
       splash(std::make_unique<waitSplash>())
 {
     ui->setupUi(this);
@@ -93,7 +94,10 @@ void MainWindow::addStatus()
     status = new runStatus(ui->statusBar);
     connect(status->detailsButton(), &QPushButton::clicked, this, [this] { showDetails(); });
     // The window comes first.
-    QTimer::singleShot(0, this, [this] { warnBeforeRun(); });
+    QTimer::singleShot(0, this, [this] {
+        trust->atStart(firstLook());
+        status->setNote(trust->line());
+    });
 }
 
 std::unique_ptr<onlineDatabase> MainWindow::watched(std::unique_ptr<onlineDatabase> database)
@@ -183,6 +187,7 @@ void MainWindow::print(const QString &text)
 void MainWindow::setExamination(const std::function<doctorSubject()> &look)
 {
     trust = std::make_unique<trustNotes>(look);
+    firstLook = look;
 }
 
 void MainWindow::warnBeforeRun()

@@ -112,7 +112,8 @@ private:
     runStateNotifier runState;
     runStatus *status = nullptr;
     std::unique_ptr<trustNotes> trust;
-    std::unique_ptr<waitSplash> splash; ///< until there is a window
+    std::function<doctorSubject()> firstLook; ///< before there is a run, while nobody wants to wait
+    std::unique_ptr<waitSplash> splash;       ///< until there is a window
     bool isRunning = false;
     bool isStoppedByKey = false;
     bool isClosed = false;      ///< since the latest run began

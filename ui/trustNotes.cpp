@@ -33,8 +33,13 @@ void trustNotes::beforeRun()
 {
     latest.reset();
     unkept.clear();
+    atStart(source());
+}
+
+void trustNotes::atStart(const doctorSubject &subject)
+{
     warnings.clear();
-    for (const disturbance &one : source().disturbances) {
+    for (const disturbance &one : subject.disturbances) {
         if (one.how == disturbance::warning)
             warnings.push_back(one);
     }

@@ -15,6 +15,8 @@ public:
     /// @p look tells of the machine as it is now.
     explicit trustNotes(std::function<doctorSubject()> look);
 
+    /// Tells of @p subject, this machine when the program starts.
+    void atStart(const doctorSubject &subject);
     /// Looks at the machine again. A run that is over is no longer spoken of.
     void beforeRun();
     /// The run is over. @p trouble, if any, is why it is not kept.
