@@ -27,10 +27,10 @@ QFont columnFont()
 /// Room for most pages, but never more than the screen has.
 QSize roomFor(const QPlainTextEdit &text)
 {
-    constexpr int columns = 84;
+    constexpr int columns = 88; // 80 and the bar beside them
     constexpr int lines = 32;
     const QFontMetrics metrics = text.fontMetrics();
-    const QSize wanted(columns * metrics.averageCharWidth(), lines * metrics.lineSpacing());
+    const QSize wanted(columns * metrics.horizontalAdvance(QLatin1Char('0')), lines * metrics.lineSpacing());
     return wanted.boundedTo(text.screen()->availableSize() * 4 / 5);
 }
 
