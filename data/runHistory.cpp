@@ -9,21 +9,6 @@
 namespace
 {
 
-QString wordsOf(steadiness level)
-{
-    switch (level) {
-    case steadiness::good:
-        return QStringLiteral("good");
-    case steadiness::noisy:
-        return QStringLiteral("noisy");
-    case steadiness::unsteady:
-        return QStringLiteral("unsteady");
-    case steadiness::tooFewRounds:
-        break;
-    }
-    return QStringLiteral("too few rounds to tell");
-}
-
 /// The worst that is to be said of test @p name in @p run, and every remark on it once.
 QString judgementOn(const runRecord &run, const QString &name)
 {
@@ -38,7 +23,7 @@ QString judgementOn(const runRecord &run, const QString &name)
             sentences.append(one.sentence);
     }
     sentences.removeDuplicates();
-    return (QStringList(wordsOf(worst)) + sentences).join(QStringLiteral("; "));
+    return (QStringList(textOf(worst)) + sentences).join(QStringLiteral("; "));
 }
 
 QString judgementOn(const runRecord &run)

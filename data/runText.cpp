@@ -24,21 +24,6 @@ QString percent(double share)
     return QStringLiteral("%1 %").arg(share * 100, 0, 'f', 1);
 }
 
-QString levelText(steadiness level)
-{
-    switch (level) {
-    case steadiness::good:
-        return QStringLiteral("good");
-    case steadiness::noisy:
-        return QStringLiteral("noisy");
-    case steadiness::unsteady:
-        return QStringLiteral("unsteady");
-    case steadiness::tooFewRounds:
-        break;
-    }
-    return QStringLiteral("too few rounds to tell");
-}
-
 QString framesText(const testRun &test)
 {
     if (!test.frames)
@@ -79,7 +64,7 @@ QStringList rowOf(const testRun &test, const verdict &found)
             visibleText(test.unit) + QStringLiteral("/s"),
             QString::number(test.rounds.size()),
             found.level == steadiness::tooFewRounds ? nothing : percent(found.rounds.spread()),
-            levelText(found.level) + endText(test.end) + framesText(test)};
+            textOf(found.level) + endText(test.end) + framesText(test)};
 }
 
 struct judgedTest {
@@ -176,7 +161,7 @@ QString verdictLine(const runRecord &run)
     parts.append(namesOf(tests, QStringLiteral("slower than one core"), isSlowerThanOneCore));
     for (const steadiness level :
          {steadiness::unsteady, steadiness::noisy, steadiness::tooFewRounds})
-        parts.append(namesOf(tests, levelText(level), isLevel(level)));
+        parts.append(namesOf(tests, textOf(level), isLevel(level)));
     for (const remark &one : remarksOf(run))
         parts.append(one.sentence);
     parts.removeAll(QString());

@@ -70,6 +70,12 @@ QString wordOf(steadiness level)
     return wordAt(levelWords, static_cast<std::size_t>(level));
 }
 
+QString textOf(steadiness level)
+{
+    return level == steadiness::tooFewRounds ? QStringLiteral("too few rounds to tell")
+                                             : wordOf(level);
+}
+
 QString wordOf(remarkKind kind)
 {
     return wordAt(remarkWords, static_cast<std::size_t>(kind));

@@ -44,6 +44,9 @@ struct verdict {
 QString wordOf(steadiness level);
 QString wordOf(remarkKind kind);
 
+/// The same for people, such as "too few rounds to tell".
+QString textOf(steadiness level);
+
 /// The verdict on @p test, which is one of @p run's: its multi-core results are compared with the
 /// single-core ones of the run.
 verdict verdictOf(const testRun &test, const runRecord &run);
