@@ -18,6 +18,7 @@ public:
         const auto *widget = qobject_cast<QWidget *>(watched);
         if (event->type() == QEvent::Show && widget && widget->isWindow()) {
             std::fprintf(stderr, "shown: %s\n", qUtf8Printable(widget->windowTitle()));
+            std::fprintf(stderr, "OpenGL: %s\n", qgetenv("QT_XCB_GL_INTEGRATION").constData());
             bool isAsked = false;
             const int code = qEnvironmentVariableIntValue("FENNICK_TEST_EXIT_CODE", &isAsked);
             if (isAsked)
