@@ -16,8 +16,8 @@
 #include "data/instanceLock.h"
 #include "data/runRecorder.h"
 #include "data/runStore.h"
-#include "data/startingMoment.h"
 #include "data/runText.h"
+#include "data/startingMoment.h"
 #include "engine/hookList.h"
 
 #include <QThread>

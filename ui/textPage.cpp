@@ -30,7 +30,8 @@ QSize roomFor(const QPlainTextEdit &text)
     constexpr int columns = 88; // 80 and the bar beside them
     constexpr int lines = 32;
     const QFontMetrics metrics = text.fontMetrics();
-    const QSize wanted(columns * metrics.horizontalAdvance(QLatin1Char('0')), lines * metrics.lineSpacing());
+    const QSize wanted(columns * metrics.horizontalAdvance(QLatin1Char('0')),
+                       lines * metrics.lineSpacing());
     return wanted.boundedTo(text.screen()->availableSize() * 4 / 5);
 }
 

@@ -155,6 +155,7 @@ void tst_serverFloods::proxiesAreNoCrowd()
                                {QStringLiteral("--connections-per-address"), limit(2),
                                 QStringLiteral("--trusted-proxy"), QStringLiteral("127.0.0.1")});
     std::vector<std::unique_ptr<rawClient>> clients;
+    clients.reserve(10);
     for (int i = 0; i < 10; ++i)
         clients.push_back(std::make_unique<rawClient>(server.port));
     for (const auto &client : clients)
@@ -178,6 +179,7 @@ void tst_serverFloods::moreThanTheUsualFiles()
     allowed.rlim_cur = 3'000;
     setrlimit(RLIMIT_NOFILE, &allowed);
     std::vector<std::unique_ptr<rawClient>> clients;
+    clients.reserve(1'150);
     for (int i = 0; i < 1'150; ++i)
         clients.push_back(std::make_unique<rawClient>(server.port));
     int answered = 0;
