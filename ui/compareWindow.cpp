@@ -66,7 +66,12 @@ compareWindow::compareWindow(QWidget *parent, benchDataAccess *machineData, bool
     updateChart(0);
 }
 
-compareWindow::~compareWindow() = default;
+compareWindow::~compareWindow()
+{
+    // The chart loses the focus when it goes, which is after this has gone.
+    if (walker)
+        walker->disconnect(this);
+}
 
 void compareWindow::addView()
 {

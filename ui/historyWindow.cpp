@@ -134,6 +134,12 @@ void historyWindow::build()
     connect(walker, &barWalker::left, this, [this](int index) { point(index, false); });
 }
 
+historyWindow::~historyWindow()
+{
+    // The chart loses the focus when it goes, which is after this has gone.
+    walker->disconnect(this);
+}
+
 void historyWindow::fillChoosers()
 {
     tests->addItem(tr("mean of all tests"), QString());

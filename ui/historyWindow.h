@@ -28,6 +28,7 @@ class historyWindow : public QMainWindow
 public:
     /// Shows @p kept as it was read; @p fontSize of the chart in points.
     historyWindow(QWidget *parent, runStore::listing kept, int fontSize);
+    ~historyWindow() override;
 
     /// Opens one of this user's runs for @p parent, which owns it; it ends when it is closed.
     static void open(QWidget *parent, int fontSize);
