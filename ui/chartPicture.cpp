@@ -28,12 +28,13 @@ class sheet
 {
 public:
     sheet(const chartContent &content, const QSize &smallest, int fontSize)
-        : font(chartFonts::legend(fontSize)),
+        // A chart that is set later leaves the one before to whoever sets it.
+        : view(chartMaker::chartOf(content, fontSize).release()),
+          font(chartFonts::legend(fontSize)),
           remarks(content.remarks())
     {
         view.setFrameShape(QFrame::NoFrame);
         view.setRenderHint(QPainter::Antialiasing);
-        view.setChart(chartMaker::chartOf(content, fontSize).release());
         view.resize(smallest);
         settle();
         view.resize(smallest.width(), std::clamp(heightOfLegend(), smallest.height(), highest));
